@@ -1,0 +1,58 @@
+#include <csignal>
+#include <cstdio>
+#include <string_view>
+
+#include "app/base/path_prefix.h"
+#include "app/startup.h"
+#include "input/supervisor.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    "usage: tavrik [--root DIR]\n"
+    "The console-side daemon of a networked keyboard, video and mouse wall.\n"
+    "\n"
+    "  --root DIR   put DIR before every absolute path that is opened (a virtual board)\n"
+    "  --version    print the version and end\n"
+    "  --help       print this text and end\n";
+
+constexpr int kUsageError = 2;
+
+/// What the command line asks for: -1 to run, otherwise the exit status to end with.
+int parseArguments(int count, char** arguments) {
+    for (int i = 1; i < count; ++i) {
+        const std::string_view option = arguments[i];
+        if (option == "--help") {
+            std::fputs(kHelp, stdout);
+            return 0;
+        }
+        if (option == "--version") {
+            std::printf("tavrik %s\n", kVersion);
+            return 0;
+        }
+        if (option == "--root" && i + 1 < count) {
+            setPathPrefix(arguments[++i]);
+            continue;
+        }
+        if (option == "--root") {
+            std::fputs("tavrik: --root needs a directory\n", stderr);
+        } else {
+            std::fprintf(stderr, "tavrik: unknown option %s (see --help)\n", arguments[i]);
+        }
+        return kUsageError;
+    }
+    return -1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
+    const int status = parseArguments(argc, argv);
+    if (status >= 0) {
+        return status;
+    }
+    startUp();
+    TimeCheckKeyEvent();
+}

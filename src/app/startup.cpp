@@ -1,0 +1,166 @@
+#include "app/startup.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "app/base/path_prefix.h"
+#include "app/base/singleton.h"
+#include "app/base/state.h"
+#include "app/base/thread.h"
+#include "app/board.h"
+#include "app/user_list.h"
+#include "config/software_config.h"
+#include "control/command_channel.h"
+#include "control/hotkey_table.h"
+#include "net/local_ip.h"
+#include "net/udp_socket.h"
+#include "remote/source_query.h"
+#include "remote/wall_map.h"
+
+namespace {
+
+constexpr unsigned kInputSocketPort = 19357;
+constexpr unsigned kKvmSetPort = 41236;
+constexpr int kMulticastTtl = 64;
+constexpr int kJoinAttempts = 10;
+constexpr int kPriority = 0;
+constexpr int kPolicy = 1;  // SCHED_FIFO
+constexpr int kJoinable = 0;
+constexpr long kMaxPort = 65535;
+constexpr std::int32_t kDefaultPort = 80;
+
+void identifyBoard() {
+    std::array<char, kBoardNameSize> identifier{};
+    vi_info.set({});
+    readHdVersion(identifier.data());
+    std::printf("version:%s\n", identifier.data());
+    RealBoardAccess access;
+    bringUpBoard(identifier.data(), access);
+}
+
+bool exists(const char* path) { return access(prefixedPath(path).c_str(), F_OK) == 0; }
+
+void chooseDisplayMode() {
+    if (!exists("./lib") && !exists("/home/QT_LIB/lib")) {
+        qtFlag = 0;
+        shift_3_flag = 1;
+        ctrl_3_flag = 1;
+        alt_3_flag = 1;
+        std::puts("this kvm use dma");
+        return;
+    }
+    std::puts("this kvm use osd");
+    qtFlag = 1;
+    ctrl_3_flag = 1;
+}
+
+void runShell(const char* command) {
+    if (std::system(command) == -1) {
+        std::perror(command);
+    }
+}
+
+void learnLocalAddress() {
+    const std::string text = GetLocalIp();
+    const AddressText address{text};
+    if (!AddressText::fits(text)) {
+        std::printf("local address over 19 characters, cut to %s\n", address.c_str());
+    }
+    localip.set(address);
+    std::printf("locak Ip=%s\n", text.c_str());
+}
+
+/// Reads, prints and writes back the settings, which adds missing keys with their defaults.
+void loadSettings(SoftwareConfig& config) {
+    config.ReadConfig();
+    config.PrintConfig();
+    config.SaveConfig();
+    const std::string text = config.GetConfig(kServerPortIndex);
+    const long port = std::strtol(text.c_str(), nullptr, 10);
+    if (port < 0 || port > kMaxPort) {
+        std::printf("no UDP port in kUdpServerPort=%s\n", text.c_str());
+        inputPort = kDefaultPort;
+        return;
+    }
+    inputPort = static_cast<std::int32_t>(port);
+}
+
+void openInputSocket() {
+    auto* socket = new UDPSocket;  // lives as long as the process
+    socket->CreateUDPServer(kInputSocketPort, 1, true, true);
+    InputSocket = socket;
+}
+
+void resetAddresses() {
+    curIp.set(AddressText{AddressText::kNone});
+    curName.set(AddressText{AddressText::kNone});
+    curOutIp.set(localip.copy());
+}
+
+void loadWall(const SoftwareConfig& config) {
+    const long count = std::strtol(config.GetConfig(kOutNumIndex).c_str(), nullptr, 10);
+    std::printf("out number-->%d\n", static_cast<int>(count));
+    if (count == 0) {
+        return;
+    }
+    for (unsigned index = kFirstMapIndex; index < kSettingCount; ++index) {
+        const std::string line = config.GetConfig(index);
+        if (line.empty()) {
+            break;
+        }
+        std::printf("result-->%s\n", line.c_str());
+        CreatOutIpMap(line);
+        startFlag = 0;
+    }
+    getCurrentInfo(nullptr, localip.copy().c_str());
+}
+
+void openControlSocket() {
+    auto* socket = new UDPSocket;  // lives as long as the process
+    socket->CreateUDPServer(kKvmSetPort, 0, false, true);
+    socket->SetMulticastTTL(kMulticastTtl);
+    KvmSetSocket = socket;
+    for (int attempt = 0; attempt < kJoinAttempts; ++attempt) {
+        if (socket->AddMemberShip("224.168.1.1", "eth0") != 0) {
+            std::puts("add mlt:224.168.1.1");
+            return;
+        }
+    }
+}
+
+void startThreads() {
+    if (const pthread_t thread = CreateThread(kvmSet, kPriority, kPolicy, kJoinable, nullptr)) {
+        std::printf("thread tid-->%lu\n", static_cast<unsigned long>(thread));
+    } else {
+        std::puts("thread create error");
+    }
+    if (CreateThread(viThr, kPriority, kPolicy, kJoinable, nullptr) != 0) {
+        std::puts("vi width and heigth thread create success");
+    } else {
+        std::fputs("vi width and heigth thread create error", stdout);
+    }
+}
+
+}  // namespace
+
+void startUp() {
+    std::printf("===this tavrik version:%s===\n", kVersion);
+    identifyBoard();
+    chooseDisplayMode();
+    loadUserList();
+    runShell("ifconfig lo 127.0.0.1");
+    learnLocalAddress();
+    const auto config = Singleton<SoftwareConfig>::instance();
+    loadSettings(*config);
+    openInputSocket();
+    resetAddresses();
+    loadWall(*config);
+    std::string hotkeys = config->GetConfig(kHotkeyMapIndex);
+    createHotKey(hotkeys, false);
+    openControlSocket();
+    startThreads();
+}

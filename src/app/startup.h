@@ -1,0 +1,9 @@
+#pragma once
+
+/// The start-up sequence, in its one fixed order: board, display mode, user list, addresses,
+/// settings, wall, hotkeys, sockets, threads. Nothing is retried except the multicast join; no
+/// failure stops it. Main thread, once.
+void startUp();
+
+/// The version that start-up prints.
+inline constexpr const char* kVersion = "T-0.0.0.6";

@@ -1,0 +1,59 @@
+#include "app/user_list.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <utility>
+
+#include "app/base/state.h"
+#include "app/base/text.h"
+#include "config/whole_file.h"
+
+UserList parseUserList(std::string_view text) {
+    std::vector<std::string> lines;
+    SplitString(std::string(text), lines, "\r\n");
+    UserList list;
+    bool inGroup = false;
+    for (std::string& line : lines) {
+        if (!inGroup) {
+            inGroup = line == "IP{";
+        } else if (line.at(0) == '}') {
+            inGroup = false;
+        } else if (!AddressText::fits(line)) {
+            list.tooLong.push_back(std::move(line));
+        } else if (list.addresses.size() == kUserListSlots) {
+            ++list.leftOut;
+        } else {
+            list.addresses.emplace_back(line);
+        }
+    }
+    return list;
+}
+
+void loadUserList() {
+    constexpr const char* kPath = "./ip.txt";
+    if (access(kPath, F_OK) != 0) {
+        return;
+    }
+    user_n = 0;
+    const FileText file = readFileStart(kPath, kUserListBytes + 1);
+    if (file.state != FileState::kRead) {
+        std::puts("fopen ip.txt error");
+        return;
+    }
+    if (file.text.size() > kUserListBytes) {
+        std::puts("ip.txt error");
+        return;
+    }
+    UserList list = parseUserList(file.text.c_str());
+    for (const std::string& address : list.tooLong) {
+        std::printf("ip.txt: address of %zu characters left out: %s\n", address.size(),
+                    address.c_str());
+    }
+    if (list.leftOut > 0) {
+        std::printf("ip.txt: %zu addresses left out, the list holds %zu\n", list.leftOut,
+                    kUserListSlots);
+    }
+    user_ip = std::move(list.addresses);
+    user_n = static_cast<std::int32_t>(user_ip.size());
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/base/address_text.h"
+
+/// The user address list ./ip.txt: lines ended by "\r\n"; between a line "IP{" and one that begins
+/// with "}" every line is one address, anything else is ignored.
+
+inline constexpr std::size_t kUserListBytes = 2048;
+inline constexpr std::size_t kUserListSlots = 128;
+
+struct UserList {
+    std::vector<AddressText> addresses;  ///< in file order, at most kUserListSlots
+    std::vector<std::string> tooLong;    ///< those of AddressText::kSize characters or more
+    std::size_t leftOut = 0;             ///< how many found no slot
+};
+
+/// Reads the list's text; a group that is open at the end ends there. An empty line inside a group
+/// raises std::out_of_range. Pure, any thread.
+UserList parseUserList(std::string_view text);
+
+/// Fills user_ip and user_n from ./ip.txt when it exists; on a problem user_n is 0 and one line
+/// tells it. The range error of parseUserList is meant to end the process. Main thread, before any
+/// other thread exists.
+void loadUserList();

@@ -1,0 +1,199 @@
+// Files above 2 GiB are refused as too large, not taken for missing, on a 32-bit board too.
+#ifndef _FILE_OFFSET_BITS
+#define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier)
+#endif
+
+#include "config/whole_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace {
+
+constexpr std::string_view kTemporary = ".tmp-XXXXXX";
+
+/// A descriptor that is closed on every path.
+class Descriptor {
+ public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    ~Descriptor() { close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    operator int() const { return fd_; }
+    bool close() {
+        const int fd = fd_;
+        fd_ = -1;
+        return fd < 0 || ::close(fd) == 0;
+    }
+
+ private:
+    int fd_;
+};
+
+struct Free {
+    void operator()(char* text) const { std::free(text); }
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+struct FileKind {
+    bool regular = false;
+    mode_t permissions = 0;
+};
+
+std::optional<FileKind> kindOf(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0) {
+        return std::nullopt;
+    }
+    return FileKind{S_ISREG(info.st_mode), info.st_mode & 0777};
+}
+
+std::string resolved(const std::string& path) {
+    const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
+    return real ? real.get() : path;
+}
+
+std::string directoryOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+bool writeAll(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(fd, text.data(), text.size());
+        if (count > 0) {
+            text.remove_prefix(static_cast<std::size_t>(count));
+        } else if (count == 0 || errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// True when the failure lies with the directory and not with the disk: writing in place can help,
+/// where on a full disk it would lose the old text.
+bool directoryRefuses(int error) {
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
+}
+
+void syncDirectory(const std::string& directory) {
+    const Descriptor fd(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    fsync(fd);
+}
+
+}  // namespace
+
+FileText readFileStart(const std::string& path, std::size_t limit) {
+    const Descriptor fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat info {};
+    if (fd < 0 || fstat(fd, &info) != 0) {
+        return {FileState::kNotOpened, {}};
+    }
+    if (!S_ISREG(info.st_mode)) {
+        return {FileState::kNotRegular, {}};
+    }
+    constexpr std::size_t kChunk = 65536;
+    std::string text;
+    while (text.size() < limit) {
+        const std::size_t have = text.size();
+        text.resize(have + std::min(kChunk, limit - have));
+        const ssize_t count = ::read(fd, text.data() + have, text.size() - have);
+        text.resize(have + (count > 0 ? static_cast<std::size_t>(count) : 0));
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            return {FileState::kUnreadable, {}};
+        }
+    }
+    return {FileState::kRead, std::move(text)};
+}
+
+bool WholeFile::replace(const std::string& text, std::uint64_t order) {
+    const std::string target = resolved(path_);
+    const auto existing = kindOf(target);
+    if (existing &&
+        (!existing->regular || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)) {
+        return false;
+    }
+    std::string temporary = target + std::string(kTemporary);
+    Descriptor fd(mkostemp(temporary.data(), O_CLOEXEC));
+    if (fd < 0) {
+        return directoryRefuses(errno) && writeInPlace(target, text, order);
+    }
+    const bool written = writeAll(fd, text) &&
+                         fchmod(fd, existing ? existing->permissions : mode_t{0644}) == 0 &&
+                         fsync(fd) == 0;
+    const bool complete = fd.close() && written;
+    const Renamed renamed = complete ? renameOver(temporary, target, order) : Renamed::kFailed;
+    if (renamed != Renamed::kDone) {
+        unlink(temporary.c_str());
+    }
+    if (renamed == Renamed::kDirectoryRefuses) {
+        return writeInPlace(target, text, order);
+    }
+    syncDirectory(directoryOf(target));
+    return renamed != Renamed::kFailed;
+}
+
+WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std::string& target,
+                                         std::uint64_t order) {
+    return newest_.with([&](std::uint64_t& newest) {
+        if (order < newest) {
+            return Renamed::kOlder;
+        }
+        if (std::rename(temporary.c_str(), target.c_str()) != 0) {
+            return directoryRefuses(errno) ? Renamed::kDirectoryRefuses : Renamed::kFailed;
+        }
+        newest = order;
+        return Renamed::kDone;
+    });
+}
+
+bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
+                             std::uint64_t order) {
+    const std::lock_guard hold(inPlace_);
+    if (order < newest_.copy()) {
+        return true;
+    }
+    Descriptor fd(open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    if (fd < 0) {
+        return false;
+    }
+    newest_.set(order);
+    const bool written = writeAll(fd, text) && fsync(fd) == 0;
+    return fd.close() && written;
+}
+
+void WholeFile::removeLeftovers() const {
+    constexpr std::time_t kSecondsOfASave = 60;  // a younger file may belong to a save in progress
+    const std::string target = resolved(path_);
+    const std::string directory = directoryOf(target);
+    const std::string name = std::string(nameOf(target)) + std::string(kTemporary);
+    const std::string_view start = std::string_view(name).substr(0, name.size() - 6);
+    const std::unique_ptr<DIR, Free> entries(opendir(directory.c_str()));
+    while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
+        const std::string_view found = entry->d_name;
+        struct stat info {};
+        if (found.size() == name.size() && found.starts_with(start) &&
+            fstatat(dirfd(entries.get()), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISREG(info.st_mode) &&
+            std::abs(std::time(nullptr) - info.st_mtime) > kSecondsOfASave) {
+            unlinkat(dirfd(entries.get()), entry->d_name, 0);
+        }
+    }
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+#include <string>
+
+#include "app/base/guarded.h"
+
+enum class FileState : std::uint8_t {
+    kRead,
+    kNotOpened,   ///< missing, or not to be opened for reading
+    kNotRegular,  ///< a directory, a FIFO, a device
+    kUnreadable,  ///< a read failed
+};
+
+struct FileText {
+    FileState state = FileState::kNotOpened;
+    std::string text;
+};
+
+/// The first `limit` bytes of the regular file at `path`, which is taken as it is (no path prefix).
+/// Never waits for a FIFO's writer. Any thread.
+FileText readFileStart(const std::string& path, std::size_t limit);
+
+/// A file that is always replaced whole: a power cut leaves the old or the new text.
+class WholeFile {
+ public:
+    explicit WholeFile(std::string path) : path_(std::move(path)) {}
+
+    /// Replaces the file's text. `order` is higher for a newer text: one older than what the file
+    /// already has is dropped, which counts as success. The permission bits of an existing file
+    /// stay, a new one gets 0644. Where the directory refuses a second file, the text is written in
+    /// place. Returns false, with the old text kept, when the file cannot be written. Any thread.
+    bool replace(const std::string& text, std::uint64_t order);
+
+    /// Removes the temporary files that a power cut may have left beside the file. Any thread.
+    void removeLeftovers() const;
+
+ private:
+    enum class Renamed : std::uint8_t { kDone, kOlder, kDirectoryRefuses, kFailed };
+
+    Renamed renameOver(const std::string& temporary, const std::string& target,
+                       std::uint64_t order);
+    bool writeInPlace(const std::string& target, const std::string& text, std::uint64_t order);
+
+    const std::string path_;
+    Guarded<std::uint64_t> newest_{0};  ///< held for one comparison and one rename
+    std::mutex inPlace_;                ///< held for a whole write, only where renaming is refused
+};

@@ -1,0 +1,269 @@
+#include "control/command_channel.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+#include "app/base/clock.h"
+#include "app/base/singleton.h"
+#include "app/base/state.h"
+#include "control/hotkey_table.h"
+#include "net/dotted_text.h"
+#include "net/udp_socket.h"
+#include "remote/select_input.h"
+#include "remote/wall_map.h"
+
+namespace {
+
+constexpr std::size_t kLargestCommand = 2048;
+/// A "details" text up to this length describes one screen entry only.
+constexpr std::size_t kSingleEntryLength = 48;
+constexpr std::size_t kStatusLength = 64;
+constexpr int kMaxPort = 65535;
+constexpr std::int64_t kAfterFailureMicroseconds = 1'000'000;
+
+void reportUnknown(const std::string& text) {
+    std::printf("recv error osd command:%s\n", text.c_str());
+}
+
+/// The text behind the first "&", or false with one line when there is none.
+bool takeArgument(const std::string& text, std::string& argument) {
+    const std::size_t ampersand = text.find('&');
+    if (ampersand == std::string::npos) {
+        reportUnknown(text);
+        return false;
+    }
+    argument = text.substr(ampersand + 1);
+    return true;
+}
+
+}  // namespace
+
+const CommandChannel::Command CommandChannel::kCommands[] = {
+    {"OSDQUIT", Match::kWhole, &CommandChannel::osdQuit},
+    {"OSDSTART", Match::kWhole, &CommandChannel::osdStart},
+    {"PREVIEWQUIT", Match::kWhole, &CommandChannel::previewQuit},
+    {"KVMQUIT", Match::kWhole, &CommandChannel::kvmQuit},
+    {"relation", Match::kPrefix, &CommandChannel::relation},
+    {"details", Match::kPrefix, &CommandChannel::details},
+    {"hotkey", Match::kPrefix, &CommandChannel::hotkey},
+    {"PAUSE", Match::kPrefix, &CommandChannel::pause},
+    {"CONTINUE", Match::kPrefix, &CommandChannel::resume},
+    {"MTO", Match::kPrefix, &CommandChannel::mouseTo},
+    {"[seq]", Match::kPrefix, &CommandChannel::status},
+};
+
+void CommandChannel::handle(const std::string& text) {
+    for (const Command& command : kCommands) {
+        const bool matches =
+            command.match == Match::kWhole ? text == command.text : text.starts_with(command.text);
+        if (matches) {
+            (this->*command.handler)(text);
+            return;
+        }
+    }
+    reportUnknown(text);
+}
+
+void CommandChannel::osdQuit(const std::string& /*text*/) {
+    std::puts("OSD QUIT");
+    clear_flag = 1;
+    osdFlag = 0;
+}
+
+void CommandChannel::osdStart(const std::string& /*text*/) {
+    std::puts("osdSet OSDSTART");
+    events_.releaseKey();
+    osdFlag = 1;
+}
+
+void CommandChannel::previewQuit(const std::string& /*text*/) {
+    std::puts("preview quit");
+    events_.previewMode = 0;
+}
+
+void CommandChannel::kvmQuit(const std::string& /*text*/) {
+    std::puts("kvm quit");
+    events_.kvmMode = 0;
+}
+
+void CommandChannel::relation(const std::string& text) {
+    std::string map;
+    if (text == lastRelation_ || !takeArgument(text, map)) {
+        return;
+    }
+    lastRelation_ = text;
+    if (text == "relation&0,0,0") {
+        std::puts("stop kvm");
+        curIp.set(AddressText{AddressText::kNone});
+        curName.set(AddressText{AddressText::kNone});
+        return;
+    }
+    osdIpMapSet(map, "out", nullptr);
+    currentInfo.with([](currentCtl& now) {
+        now.pointerX = 0;
+        now.pointerY = 0;
+        now.cellX = 0;
+        now.cellY = 0;
+    });
+    startFlag = osdFlag.load();
+    getCurrentInfo(nullptr, localip.copy().c_str());
+}
+
+void CommandChannel::details(const std::string& text) {
+    std::string map;
+    if (!takeArgument(text, map)) {
+        return;
+    }
+    if (text.size() > kSingleEntryLength) {
+        currentInfo.with([](currentCtl& now) {
+            now.pointerX = 0;
+            now.pointerY = 0;
+        });
+    }
+    getTouchIp(events_, text);
+    events_.hotPlugFlag = 1;
+    osdIpMapSet(map, "in", &screenKey_);
+    if (startFlag) {
+        selectAfterRelation(map);
+    } else {
+        reselectScreen(map);
+    }
+}
+
+/// The screen that this console shows got new cells, unless they are meant for another output box.
+void CommandChannel::reselectScreen(const std::string& map) {
+    const AddressText given = getOsdOutIp(map);
+    std::printf("curOutIp:%s,osdGetIp:%s\n", curOutIp.copy().c_str(), given.c_str());
+    const auto [screen, place] = currentInfo.with([](const currentCtl& now) {
+        return std::pair(now.screen.name, gridKey(now.outX, now.outY));
+    });
+    if (!osdFlag && !given.view().starts_with(screen.view())) {
+        return;
+    }
+    screenKey_ = place;
+    events_.getCurrentInfo_(&screenKey_, true);
+    selectInputOfCell(events_);
+    const AddressText box = curIp.copy();
+    std::printf("kvmset outIp:%s detail get curIp=%s\n", curOutIp.copy().c_str(), box.c_str());
+    events_.hotPlugFlag = 1;
+    std::printf("get current ip-->%s\n", box.c_str());
+    sendPointer();
+}
+
+/// The first cells after a wall that arrived while the OSD was open.
+void CommandChannel::selectAfterRelation(const std::string& /*map*/) {
+    getCurrentInfo(nullptr, localip.copy().c_str());
+    curName.set({});
+    selectInputOfCell(events_);
+    std::printf("kvmset get curName=%s curIp=%s\n", curName.copy().c_str(), curIp.copy().c_str());
+    sendPointer();
+    startFlag = 0;
+}
+
+void CommandChannel::sendPointer() {
+    events_.operationEvent(kMouseMove, curIp.copy().c_str(), nullptr, pointer_.data());
+}
+
+void CommandChannel::hotkey(const std::string& text) {
+    std::string list;
+    if (takeArgument(text, list)) {
+        createHotKey(list, true);
+    }
+}
+
+void CommandChannel::pause(const std::string& /*text*/) {
+    std::puts("---osd pause---");
+    events_.touchPaused = 1;
+    events_.sendRelease();
+}
+
+void CommandChannel::resume(const std::string& /*text*/) { events_.touchPaused = 0; }
+
+void CommandChannel::mouseTo(const std::string& text) {
+    parseMouseTo(text, mouseX_, mouseY_);
+    if (events_.MouseTo(mouseX_, mouseY_) == 0) {
+        std::puts("mouse to error");
+    }
+}
+
+void CommandChannel::status(const std::string& text) {
+    if (text.find("usb_link_device") == std::string::npos) {
+        return;
+    }
+    const AddressText local = localip.copy();
+    std::array<char, kStatusLength> answer{};
+    std::snprintf(answer.data(), answer.size(), "[ack]\n[controlled]=%s\nusb_link_device=%u%u%u",
+                  local.c_str(), events_.mouseDevices.count.load(), events_.keyDevices.count.load(),
+                  events_.touchDevices.count.load());
+    std::array<char, AddressText::kSize> asked{};
+    std::array<char, AddressText::kSize> address{};
+    int port = 0;
+    UDPSocket* socket = KvmSetSocket;
+    if (get_seq_ip(text, asked.data(), address.data(), &port) == 0 ||
+        local.view() != asked.data() || socket == nullptr) {
+        return;
+    }
+    if (port == 0) {
+        socket->EchoTo(answer.data(), kStatusLength);
+    } else if (port > 0 && port <= kMaxPort) {
+        socket->SendTo(address.data(), static_cast<unsigned>(port), answer.data(), kStatusLength);
+    } else {
+        std::printf("no port in status query:%s\n", text.c_str());
+    }
+}
+
+AddressText getOsdOutIp(const std::string& src) {
+    std::printf("get osd outIp:%s\n", src.c_str());
+    return AddressText{std::string_view(src).substr(0, src.find('#'))};
+}
+
+int getTouchIp(inputevent_& events, const std::string& text) {
+    constexpr std::string_view kFirstCell = "0,0,";
+    const std::string_view map = std::string_view(text).substr(text.find('&') + 1);
+    const std::size_t hash = map.find('#');
+    const AddressText field{map.substr(0, hash)};
+    if (!localip.copy().view().starts_with(field.view())) {
+        std::puts("not touch local ip");
+        return 0;
+    }
+    const std::string_view cells =
+        hash == std::string_view::npos ? std::string_view{} : map.substr(hash + 1);
+    if (!cells.starts_with(kFirstCell)) {
+        std::puts("not get 0,0 input ip");
+        return 0;
+    }
+    if (text.size() > kSingleEntryLength) {
+        std::puts("not signal ");
+        events.touchInputIp.set(AddressText{AddressText::kNone});
+        return 0;
+    }
+    const std::string_view rest = cells.substr(kFirstCell.size());
+    const AddressText touch{rest.substr(0, rest.find('#'))};
+    events.touchInputIp.set(touch);
+    std::printf("get main touchIp=%s\n", touch.c_str());
+    return 1;
+}
+
+void* kvmSet(void* /*unused*/) {
+    const auto events = Singleton<inputevent_>::instance();
+    CommandChannel channel(*events);
+    std::array<char, kLargestCommand> buffer{};
+    UDPSocket* socket = KvmSetSocket;
+    for (;;) {
+        const long got = socket->RecvFrom(buffer.data(), static_cast<long>(buffer.size()));
+        if (got == 0) {
+            continue;
+        }
+        if (got < 0) {
+            sleepMicroseconds(kAfterFailureMicroseconds);
+            continue;
+        }
+        std::string text(buffer.data(), static_cast<std::size_t>(got));
+        text.resize(std::min(text.size(), text.find('\0')));
+        const AddressText sender = dottedText(socket->GetClientSockaddr().sin_addr);
+        std::printf("%s get data-->%s\n", sender.c_str(), text.c_str());
+        channel.handle(text);
+    }
+}

@@ -1,0 +1,111 @@
+#include <linux/input-event-codes.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+
+#include "app/base/inputevent.h"
+
+/// Opening and closing the nodes of the three lists.
+
+namespace {
+
+constexpr const char* kNodeDirectory = "/dev/input/";
+
+using NodePath = std::array<char, 64>;
+
+NodePath pathOf(const InputDeviceList& list, std::size_t slot) {
+    NodePath path{};
+    std::snprintf(path.data(), path.size(), "%s%s", kNodeDirectory, list.name(slot));
+    return path;
+}
+
+/// Opens the slot's node; what the slot still held open is closed first.
+void openSlot(InputDeviceList& list, std::size_t slot) {
+    if (list.fds[slot] > 0) {
+        close(list.fds[slot]);
+    }
+    const EventNode node = openEventNode(pathOf(list, slot).data());
+    list.fds[slot] = node.fd;
+    list.layouts[slot] = node.layout;
+}
+
+/// A panel that no name recognised: its full scale is what the kernel says of its axes.
+void learnTouchRange(inputevent_& events, std::int32_t fd) {
+    const auto x = readAxisRange(fd, ABS_X);
+    const auto y = readAxisRange(fd, ABS_Y);
+    if (x && y && x->maximum > 0 && y->maximum > 0) {
+        events.touchMaxX = x->maximum;
+        events.touchMaxY = y->maximum;
+    } else if (events.touchMaxX <= 0 || events.touchMaxY <= 0) {
+        std::puts("touch panel of unknown range, its positions are ignored");
+    }
+}
+
+void closeList(inputevent_& events, InputDeviceList& list) {
+    for (std::size_t i = 0; i < list.count; ++i) {
+        const std::int32_t fd = list.fds[i];
+        events.ledKeyFd.with([fd](std::int32_t& known) { known = known == fd ? 0 : known; });
+        if (fd > 0) {
+            close(fd);
+        }
+        list.fds[i] = 0;
+        list.names[i].fill('\0');
+    }
+    list.count = 0;
+}
+
+}  // namespace
+
+int inputevent_::openInputFd() {
+    std::printf("mouseEvent-->%u keyevent-->%u touchevent-->%u\n", mouseDevices.count.load(),
+                keyDevices.count.load(), touchDevices.count.load());
+    for (std::size_t i = 0; i < keyDevices.count; ++i) {
+        openSlot(keyDevices, i);
+        // The line goes by the mouse of the same slot, not by the keyboard just opened.
+        if (mouseDevices.fds[i] > 0) {
+            std::printf("open  key input %s  ok\n", keyDevices.name(i));
+        } else {
+            std::printf("not open key input %s\n", keyDevices.name(i));
+        }
+    }
+    for (std::size_t i = 0; i < mouseDevices.count; ++i) {
+        openSlot(mouseDevices, i);
+        if (mouseDevices.fds[i] >= 0) {
+            std::printf("open  mouse input %s  ok\n", mouseDevices.name(i));
+        } else {
+            std::printf("not open mouse input %s\n", mouseDevices.name(i));
+        }
+    }
+    for (std::size_t i = 0; i < touchDevices.count; ++i) {
+        std::printf("keyeventfilename1: %s\n", pathOf(touchDevices, i).data());
+        openSlot(touchDevices, i);
+        if (touchDevices.fds[i] >= 0) {
+            std::printf("open  touch input %s  ok\n", touchDevices.name(i));
+            if (!touchNamed) {
+                learnTouchRange(*this, touchDevices.fds[i]);
+            }
+        } else {
+            std::printf("not open touch input %s\n", touchDevices.name(i));
+        }
+    }
+    return 1;
+}
+
+int inputevent_::closeInputFd(bool mouse, bool key, bool touch) {
+    FD_ZERO(&readSet);
+    if (key) {
+        closeList(*this, keyDevices);
+        std::puts("close all keyboard input device");
+    }
+    if (mouse) {
+        closeList(*this, mouseDevices);
+        std::puts("close all mouse input device");
+    }
+    if (touch) {
+        closeList(*this, touchDevices);
+        std::puts("close all touch input device");
+    }
+    FD_ZERO(&readSet);
+    return 1;
+}

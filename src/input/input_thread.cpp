@@ -1,0 +1,87 @@
+#include "input/input_thread.h"
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+
+#include "app/base/inputevent.h"
+#include "app/base/singleton.h"
+#include "app/base/thread.h"
+#include "input/cancel_window.h"
+
+namespace {
+
+constexpr int kPriority = 0;
+constexpr int kPolicy = 1;  // SCHED_FIFO
+constexpr int kDetached = 1;
+
+/// Who runs. A thread that has cleared `running` touches no descriptor any more; its identifier is
+/// used only while `running` is set.
+struct Life {
+    std::mutex guard;
+    std::condition_variable ended;
+    bool running = false;
+    bool everStarted = false;
+    pthread_t thread = 0;
+};
+
+Life& life() {
+    static Life* one = new Life;  // outlives every thread
+    return *one;
+}
+
+/// Its end is the thread's last deed, by return or by cancellation.
+class Run {
+ public:
+    Run() = default;
+    ~Run() {
+        const std::lock_guard hold(life().guard);
+        life().running = false;
+        life().ended.notify_all();
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+};
+
+}  // namespace
+
+void startInputThread() {
+    const std::lock_guard hold(life().guard);
+    life().running = true;
+    life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr);
+    life().everStarted = life().thread != 0;
+    if (life().thread == 0) {
+        life().running = false;
+        std::puts("thread create error");
+    }
+}
+
+void stopInputThread() {
+    std::unique_lock hold(life().guard);
+    if (life().running) {
+        pthread_cancel(life().thread);
+    }
+    life().ended.wait(hold, [] { return !life().running; });
+}
+
+void reportInputThreadCancel() {
+    const std::lock_guard hold(life().guard);
+    if (life().everStarted) {
+        std::puts("input thread cancel");
+    } else {
+        std::fputs("input thread cancel error\n", stderr);
+    }
+}
+
+void* inputCtrl(void* /*unused*/) {
+    forbidCancel();
+    const Run run;
+    const auto events = Singleton<inputevent_>::instance();
+    events->openInputFd();
+    std::puts("open event ok");
+    events->check_input_event();
+    if (events->listenInputFd() == 0) {
+        std::puts("hot input event");
+    }
+    return nullptr;
+}

@@ -1,0 +1,90 @@
+#include <linux/input-event-codes.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "app/base/inputevent.h"
+#include "input/key_table.h"
+#include "remote/wire.h"
+
+/// Key presses and releases into the 11-byte keyboard report, and a report back into a hotkey text.
+/// The report carries one key at a time: a second press replaces the first, any release empties it.
+
+namespace {
+
+constexpr int kReportLength = 11;
+
+void toggle(Flag& flag) { flag = static_cast<std::uint8_t>(flag == 0); }
+
+struct ModifierRelease {
+    int code;
+    std::uint8_t cleared;
+    const char* line;
+};
+
+// Right Win clears left Win's bit, so its own stays until the report is cleared.
+constexpr ModifierRelease kModifierReleases[] = {
+    {KEY_LEFTCTRL, 0x01, "leftctrl keyup"},   {KEY_LEFTSHIFT, 0x02, "leftshift keyup"},
+    {KEY_LEFTALT, 0x04, "leftalt keyup"},     {KEY_LEFTMETA, 0x08, "leftmeta keyup"},
+    {KEY_RIGHTCTRL, 0x10, "rightctrl keyup"}, {KEY_RIGHTSHIFT, 0x20, "rightshift keyup"},
+    {KEY_RIGHTALT, 0x40, "rightalt keyup"},   {KEY_RIGHTMETA, 0x08, "rightmeta keyup"},
+};
+
+void append(char* text, std::string_view part) {
+    std::memcpy(text + std::strlen(text), part.data(), part.size());
+}
+
+}  // namespace
+
+int inputevent_::OnKeyDown(int code, std::uint8_t* report, char, char, char, char* name) {
+    wire::putKeyboardHeader(report);
+    const KeyRow* key = findKey(code);
+    if (key == nullptr) {
+        return 0;
+    }
+    if (key->release == KeyRelease::kModifier) {
+        report[wire::kModifiersAt] =
+            static_cast<std::uint8_t>(report[wire::kModifiersAt] | key->value);
+    } else {
+        report[wire::kFirstKeyAt] = key->value;
+    }
+    if (code == KEY_CAPSLOCK) {
+        toggle(capsLockOn);
+    } else if (code == KEY_NUMLOCK) {
+        toggle(numLockOn);
+    }
+    std::memcpy(name, key->name.data(), key->name.size());
+    name[key->name.size()] = '\0';
+    return kReportLength;
+}
+
+int inputevent_::OnKeyUp(int code, std::uint8_t* report, char) {
+    wire::putKeyboardHeader(report);
+    const KeyRow* key = code <= kLastReleasedCode ? findKey(code) : nullptr;
+    if (key == nullptr || key->release == KeyRelease::kDropped) {
+        return 0;
+    }
+    if (key->release == KeyRelease::kSent) {
+        report[wire::kFirstKeyAt] = 0;
+        return kReportLength;
+    }
+    for (const ModifierRelease& row : kModifierReleases) {
+        if (row.code == code) {
+            report[wire::kModifiersAt] =
+                static_cast<std::uint8_t>(report[wire::kModifiersAt] & ~row.cleared);
+            std::puts(row.line);
+        }
+    }
+    return kReportLength;
+}
+
+int inputevent_::GetChar(const std::uint8_t* report, char* text) {
+    const std::string_view prefix = hotkeyPrefixOf(report[wire::kModifiersAt]);
+    const std::string_view key = hotkeyNameOf(report[wire::kFirstKeyAt]);
+    const std::size_t length = std::strlen(text);
+    append(text, prefix);
+    text[length + prefix.size()] = '\0';
+    append(text, key);
+    text[length + prefix.size() + key.size()] = '\0';
+    return 1;
+}

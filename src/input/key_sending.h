@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "app/base/inputevent.h"
+
+/// Where key reports go. Input thread.
+
+/// To the current input box in the form it takes (user-list form or binary); nothing to "0.0.0.0".
+void sendKeyReport(inputevent_& events, std::span<const std::uint8_t> report);
+
+/// A command to the OSD process of this console.
+void sendLocalOsd(std::string_view command);
+
+/// A command to the output box, where the OSD is not on this console.
+void sendOutputOsd(std::string_view command);

@@ -1,0 +1,108 @@
+#include "input/listing.h"
+
+#include <fstream>
+#include <sstream>
+
+#include "app/base/path_prefix.h"
+#include "app/base/text.h"
+
+namespace {
+
+constexpr std::size_t kPanelNodeLength = 6;
+
+constexpr std::array<PanelRow, 5> kPanels{{
+    // kind, name, type, first pass x and y, restart x and y, counted, by name
+    {PanelKind::kIlitekTp, "ILITEK ILITEK-TP", 0, 16384, 16384, 16384, 16384, true, true},
+    {PanelKind::kV3000, "ILITEK Multi-Touch-V3000", 1, 16384, 9600, 16384, 9600, false, false},
+    {PanelKind::kV5000, "ILITEK Multi-Touch-V5000", 1, 16384, 9600, 16384, 9600, true, false},
+    {PanelKind::kMelfas, "Melfas LGDisplay", 2, 4080, 4080, 4080, 4080, true, true},
+    {PanelKind::kSiliconworks, "Siliconworks", 3, 32627, 32475, 32446, 32173, true, true},
+}};
+
+constexpr std::size_t kNowhere = std::string_view::npos;
+
+/// Where the node of the device named `quotedName` begins, looking from `from` on.
+std::size_t findNode(std::string_view listing, const std::string& quotedName, std::size_t from) {
+    const std::size_t at = listing.find(quotedName, from);
+    return at == kNowhere ? kNowhere : listing.find("event", at + quotedName.size());
+}
+
+std::string panelNode(std::string_view listing, std::size_t at) {
+    return std::string(listing.substr(at, kPanelNodeLength));
+}
+
+}  // namespace
+
+DeviceListing takeListing(const std::string& text) {
+    DeviceListing listing;
+    listing.full = text.substr(0, kListingLimit);
+    listing.leftOut = text.size() - listing.full.size();
+    std::istringstream lines(text);
+    std::size_t taken = 0;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("Handlers") == std::string::npos) {
+            continue;
+        }
+        const bool fits =
+            taken < kHandlersLines && listing.handlers.size() + line.size() + 1 < kHandlersLimit;
+        if (fits && listing.linesLeftOut == 0) {
+            listing.handlers += line + '\n';
+            ++taken;
+        } else {
+            ++listing.linesLeftOut;
+        }
+    }
+    return listing;
+}
+
+DeviceListing loadDeviceListing() {
+    std::ifstream file(prefixedPath("/proc/bus/input/devices"));
+    std::ostringstream text;
+    text << file.rdbuf();
+    return takeListing(text.str());
+}
+
+std::optional<PanelFound> findPanel(std::string_view listing) {
+    for (const PanelRow& row : kPanels) {
+        const std::string quotedName = "Name=\"" + std::string(row.name);
+        const std::size_t node = findNode(listing, quotedName, 0);
+        if (node == kNowhere) {
+            continue;
+        }
+        PanelFound found{&row, {panelNode(listing, node)}, false};
+        if (row.kind == PanelKind::kIlitekTp) {
+            found.firmwareV06 = listing.find("V06.00.00.00", node) != kNowhere;
+        }
+        if (row.kind == PanelKind::kV5000) {
+            const std::size_t second = findNode(listing, quotedName, node);
+            if (second != kNowhere) {
+                found.nodes.push_back(panelNode(listing, second));
+            }
+        }
+        return found;
+    }
+    return std::nullopt;
+}
+
+std::vector<HandlersLine> parseHandlers(const std::string& handlers) {
+    std::vector<std::string> lines;
+    SplitString(handlers, lines, "\n");
+    std::vector<HandlersLine> parsed;
+    for (const std::string& line : lines) {
+        HandlersLine entry;
+        const std::size_t node = line.find("event");
+        if (node != std::string::npos) {
+            entry.node = line.substr(node, line.find(' ', node) - node);
+        }
+        const std::size_t mouse = line.find("mouse");
+        if (mouse != std::string::npos) {
+            entry.mouse = line.find("js", mouse) == std::string::npos
+                              ? LineKind::kMouse
+                              : LineKind::kMouseWithJoystick;
+        }
+        const std::size_t kbd = line.find("kbd");
+        entry.keyboard = kbd != std::string::npos && line.find("mouse", kbd) == std::string::npos;
+        parsed.push_back(entry);
+    }
+    return parsed;
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The kernel's input-device listing, read as text. All functions but loadDeviceListing are pure.
+
+inline constexpr std::size_t kListingLimit = 2048;
+inline constexpr std::size_t kHandlersLimit = 1024;
+inline constexpr std::size_t kHandlersLines = 16;
+
+/// The listing and its Handlers lines, each cut to what the supervisor takes.
+struct DeviceListing {
+    std::string full;
+    std::string handlers;     ///< each line with its line feed
+    std::size_t leftOut = 0;  ///< bytes of the listing beyond the limit
+    std::size_t linesLeftOut = 0;
+};
+
+/// Cuts a listing's text to its limits: whole Handlers lines only.
+DeviceListing takeListing(const std::string& text);
+
+/// Reads /proc/bus/input/devices; a file that cannot be read counts as empty. Supervisor thread.
+DeviceListing loadDeviceListing();
+
+enum class PanelKind : std::uint8_t { kIlitekTp, kV3000, kV5000, kMelfas, kSiliconworks };
+
+/// A touch panel recognised by the name that it gives itself.
+struct PanelRow {
+    PanelKind kind;
+    std::string_view name;
+    std::int32_t type;
+    std::int32_t maxX, maxY;                ///< full-scale coordinates when found at the first pass
+    std::int32_t restartMaxX, restartMaxY;  ///< and when found at a restart
+    bool counted;                           ///< its nodes count as touch devices
+    bool byName;                            ///< no generic touch device is looked for afterwards
+};
+
+struct PanelFound {
+    const PanelRow* row = nullptr;
+    std::vector<std::string> nodes;  ///< one, or two of a doubled V5000
+    bool firmwareV06 = false;
+};
+
+/// The first row of the panel table whose name the listing holds; nothing when there is none. A
+/// node's name is cut to 6 characters (event12 is taken as event1).
+std::optional<PanelFound> findPanel(std::string_view listing);
+
+enum class LineKind : std::uint8_t { kOther, kMouse, kMouseWithJoystick };
+
+/// One Handlers line: its node (text from "event" up to the next blank) and what it can be.
+struct HandlersLine {
+    std::string node;  ///< empty when the line names none
+    LineKind mouse = LineKind::kOther;
+    bool keyboard = false;
+};
+
+std::vector<HandlersLine> parseHandlers(const std::string& handlers);

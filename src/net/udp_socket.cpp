@@ -1,0 +1,256 @@
+#include "net/udp_socket.h"
+
+#include <arpa/inet.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "net/dotted_text.h"
+#include "net/network_info.h"
+
+namespace {
+
+constexpr int kReceiveWaitMs = 20;
+constexpr long kServerTimeOutUs = 35000;
+constexpr int kMostDrained = 1024;
+
+enum class Wait { kReadable, kNothing, kFailed };
+
+/// Waits for something to receive. errno tells why it failed.
+Wait waitReadable(int fd, int milliseconds) {
+    pollfd waiting{fd, POLLIN, 0};
+    const int ready = fd < 0 ? 1 : poll(&waiting, 1, milliseconds);
+    if (fd < 0 || (ready > 0 && (waiting.revents & POLLNVAL) != 0)) {
+        errno = EBADF;
+        return Wait::kFailed;
+    }
+    if (ready < 0) {
+        return Wait::kFailed;
+    }
+    return ready > 0 ? Wait::kReadable : Wait::kNothing;
+}
+
+long receive(int fd, void* buffer, long length, int flags, sockaddr_in& sender) {
+    sockaddr_in from{};
+    socklen_t size = sizeof from;
+    const ssize_t got = recvfrom(fd, buffer, static_cast<std::size_t>(length), flags,
+                                 reinterpret_cast<sockaddr*>(&from), &size);
+    if (got >= 0) {
+        sender = from;
+    }
+    return got;
+}
+
+int send(int fd, const sockaddr_in& to, const void* buffer, long length) {
+    return static_cast<int>(sendto(fd, buffer, static_cast<std::size_t>(length), 0,
+                                   reinterpret_cast<const sockaddr*>(&to), sizeof to));
+}
+
+bool bindTo(int fd, const sockaddr_in& address) {
+    if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0) {
+        std::perror("bind error");
+        return false;
+    }
+    return true;
+}
+
+sockaddr_in ipv4(in_addr_t address, unsigned port) {
+    sockaddr_in result{};
+    result.sin_family = AF_INET;
+    result.sin_port = htons(static_cast<std::uint16_t>(port));
+    result.sin_addr.s_addr = address;
+    return result;
+}
+
+void closeUnlessNone(int fd) {
+    if (fd != -1) {
+        close(fd);
+    }
+}
+
+}  // namespace
+
+UDPSocket::~UDPSocket() { CloseUDPSocket(); }
+
+void UDPSocket::CloseUDPSocket() { closeUnlessNone(descriptor_.exchange(-1)); }
+
+int UDPSocket::CreateUDPServer(unsigned port, unsigned receiveTimeOut, bool nonBlocking,
+                               bool reuse) {
+    const sockaddr_in own = ipv4(INADDR_ANY, port);
+    own_.set(own);
+    const int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (fd < 0) {
+        std::perror("can't create socket file");
+    }
+    closeUnlessNone(descriptor_.exchange(fd));
+    if (fd < 0) {
+        return -1;
+    }
+    if (reuse && setOption(SOL_SOCKET, SO_REUSEADDR, 1, "setsockopt():SO_REUSEADDR") == 0) {
+        return -1;
+    }
+    if (nonBlocking) {
+        setnonblocking();
+    }
+    nonBlocking_ = nonBlocking;
+    if (receiveTimeOut != 0) {
+        setReceiveTimeOut(kServerTimeOutUs);
+    }
+    return bindTo(fd, own) ? fd : -1;
+}
+
+long UDPSocket::Receive(void* buffer, long length, sockaddr_in& sender) {
+    if (length < 0) {
+        return -1;
+    }
+    const int fd = descriptor_;
+    if (!nonBlocking_) {
+        return receive(fd, buffer, length, 0, sender);
+    }
+    switch (waitReadable(fd, kReceiveWaitMs)) {
+        case Wait::kNothing:
+            return 0;
+        case Wait::kReadable:
+            return receive(fd, buffer, length, MSG_DONTWAIT, sender);
+        case Wait::kFailed:
+            break;
+    }
+    std::perror("select rcvfrom timeout");
+    return -1;
+}
+
+long UDPSocket::RecvFrom(void* buffer, long length) {
+    sockaddr_in sender{};
+    const long got = Receive(buffer, length, sender);
+    if (sender.sin_family != AF_UNSPEC) {
+        peer_.set(sender);
+    }
+    return got;
+}
+
+int UDPSocket::SendTo(const void* buffer, long length) {
+    if (length < 0) {
+        return -1;
+    }
+    const sockaddr_in to = own_.copy();
+    if (to.sin_addr.s_addr == 0) {
+        std::puts("please intput client_ip and client_port");
+        return -1;
+    }
+    if (connected != 0) {
+        return static_cast<int>(write(descriptor_, buffer, static_cast<std::size_t>(length)));
+    }
+    return send(descriptor_, to, buffer, length);
+}
+
+int UDPSocket::SendTo(const char* ip, unsigned port, const void* buffer, long length) {
+    in_addr address{};
+    if (ip == nullptr || buffer == nullptr || length < 0 || inet_aton(ip, &address) == 0 ||
+        address.s_addr == INADDR_ANY) {
+        return -1;
+    }
+    return send(descriptor_, ipv4(address.s_addr, port), buffer, length);
+}
+
+int UDPSocket::EchoTo(const void* buffer, long length) {
+    const sockaddr_in to = peer_.copy();
+    if (to.sin_addr.s_addr == 0 || buffer == nullptr || length < 0) {
+        return -1;
+    }
+    const char* const bytes = static_cast<const char*>(buffer);
+    const std::string text(bytes, strnlen(bytes, static_cast<std::size_t>(length)));
+    std::printf("Receive client (%s:%u) on socket: %d  \nmessage:%s\n",
+                dottedText(to.sin_addr).c_str(), static_cast<unsigned>(ntohs(to.sin_port)),
+                descriptor_.load(), text.c_str());
+    return send(descriptor_, to, buffer, length);
+}
+
+sockaddr_in UDPSocket::GetClientSockaddr() const { return peer_.copy(); }
+
+int UDPSocket::AddMemberShip(const char* group, const char* interface) {
+    if (group == nullptr ||
+        setOption(IPPROTO_IP, IP_MULTICAST_LOOP, 1, "setsockopt():IP_MULTICAST_LOOP") == 0) {
+        return 0;
+    }
+    ip_mreq request{};
+    request.imr_multiaddr.s_addr = inet_addr(group);
+    membership_.set(request);
+    if (interface != nullptr) {
+        std::array<char, NetworkInfo::kTextSize> text{};
+        if (NetworkInfo::GetNetworkInfo(interface, NetworkInfo::kAddress, text.data()) == 0 ||
+            text[0] == '\0') {
+            return 0;
+        }
+        request.imr_interface.s_addr = inet_addr(text.data());
+        membership_.set(request);
+    }
+    if (setsockopt(descriptor_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request) < 0) {
+        std::perror("setsockopt():IP_ADD_MEMBERSHIP");
+        return 0;
+    }
+    return 1;
+}
+
+int UDPSocket::DropMemberShip() {
+    const ip_mreq request = membership_.copy();
+    if (setsockopt(descriptor_, IPPROTO_IP, IP_DROP_MEMBERSHIP, &request, sizeof request) < 0) {
+        std::perror("setsockopt():IP_DROP_MEMBERSHIP");
+        return 0;
+    }
+    return 1;
+}
+
+int UDPSocket::AddBroadCast(const char* interface) {
+    if (setOption(SOL_SOCKET, SO_BROADCAST, 1, "setsockopt():SO_BROADCAST") == 0) {
+        return 0;
+    }
+    in_addr_t destination = INADDR_BROADCAST;
+    int result = 1;
+    if (interface != nullptr) {
+        std::array<char, NetworkInfo::kTextSize> text{};
+        result = NetworkInfo::GetNetworkInfo(interface, NetworkInfo::kBroadcast, text.data());
+        destination = inet_addr(text.data());
+    }
+    if (result != 0) {
+        own_.with([&](sockaddr_in& own) { own.sin_addr.s_addr = destination; });
+    }
+    return result;
+}
+
+int UDPSocket::BindLocalAddr(const char* interface, unsigned port, bool reuse) {
+    if (reuse && setOption(SOL_SOCKET, SO_REUSEADDR, 1, "setsockopt():SO_REUSEADDR") == 0) {
+        return 0;
+    }
+    std::array<char, NetworkInfo::kTextSize> text{};
+    const int result = NetworkInfo::GetNetworkInfo(interface, NetworkInfo::kAddress, text.data());
+    if (result == 0 || !bindTo(descriptor_, ipv4(inet_addr(text.data()), port))) {
+        return 0;
+    }
+    return result;
+}
+
+int UDPSocket::readEmptySocket() {
+    const int fd = descriptor_;
+    std::array<char, 256> scratch;
+    for (int drained = 0; drained < kMostDrained; ++drained) {
+        const Wait waiting = waitReadable(fd, 0);
+        if (waiting == Wait::kFailed) {
+            return 1;
+        }
+        if (waiting == Wait::kNothing) {
+            break;
+        }
+        sockaddr_in sender{};
+        if (receive(fd, scratch.data(), scratch.size(), MSG_DONTWAIT, sender) >= 0) {
+            peer_.set(sender);
+        }
+    }
+    std::puts("socket read emput");
+    return 0;
+}

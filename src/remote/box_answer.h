@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/base/address_text.h"
+
+class UDPSocket;
+
+/// One answer to a "link" request: its first 64 bytes as text, up to the first NUL.
+struct BoxAnswer {
+    AddressText box;     ///< the box that was asked
+    AddressText sender;  ///< who answered
+    int port = 0;        ///< the sender's port, host order
+    std::string text;
+
+    bool isFromBox() const { return sender == box; }
+};
+
+/// Drains `socket`, asks curIp and waits for one answer, as long as the socket's receive waits.
+/// Nothing when no answer came; a box of "0.0.0.0" is not asked. Any thread.
+std::optional<BoxAnswer> askBox(UDPSocket& socket);

@@ -1,0 +1,25 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+
+#include <cstdio>
+#include <filesystem>
+
+#include "rig/isolation.h"
+
+/// Where every test cannot have a network of its own, they take turns: the lock is held until the
+/// process ends.
+static bool waitForTurn() {
+    const auto path = std::filesystem::temp_directory_path() / "tavrik-console-tests.lock";
+    const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    return fd >= 0 && flock(fd, LOCK_EX) == 0;
+}
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (!GTEST_FLAG_GET(list_tests) && !rig::enterOwnNetwork() && !waitForTurn()) {
+        std::perror("console tests: lock file");
+        return 1;
+    }
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,105 @@
+#include "config/whole_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "unit/config/scratch.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+mode_t permissionsOf(const std::string& path) {
+    struct stat info {};
+    stat(path.c_str(), &info);
+    return info.st_mode & 07777;
+}
+
+TEST(WholeFile, KeepsPermissionsAndLinksAndLeavesNothingElse) {
+    const Scratch scratch;
+    EXPECT_TRUE(WholeFile(scratch.path("new")).replace("text", 1));
+    EXPECT_EQ(permissionsOf(scratch.path("new")), 0644U);
+
+    const std::string old = scratch.put("old", "a longer text than the next one");
+    chmod(old.c_str(), 0640);
+    std::filesystem::create_symlink("old", scratch.path("link"));
+    EXPECT_TRUE(WholeFile(scratch.path("link")).replace("next", 1));
+    EXPECT_EQ(scratch.get("old"), "next");
+    EXPECT_EQ(permissionsOf(old), 0640U);
+    EXPECT_TRUE(std::filesystem::is_symlink(scratch.path("link")));
+    EXPECT_EQ(scratch.names(), (Names{"new", "old", "link"}));
+}
+
+TEST(WholeFile, AnOlderTextNeverReplacesANewerOne) {
+    const Scratch scratch;
+    WholeFile file(scratch.path("file"));
+    EXPECT_TRUE(file.replace("second", 2));
+    EXPECT_TRUE(file.replace("first", 1));
+    EXPECT_EQ(scratch.get("file"), "second");
+    EXPECT_EQ(scratch.names(), Names{"file"});
+}
+
+TEST(WholeFile, WritesInPlaceWhereTheDirectoryRefuses) {
+    const Scratch scratch;
+    const std::string path = scratch.put("file", "the old and longer text");
+    chmod(path.c_str(), 0666);
+    chmod(scratch.path().c_str(), 0555);
+    {
+        const Unprivileged user;
+        WholeFile file(path);
+        EXPECT_TRUE(file.replace("second", 2));
+        EXPECT_TRUE(file.replace("first", 1));
+        EXPECT_FALSE(WholeFile(scratch.path("missing")).replace("text", 1));
+    }
+    chmod(scratch.path().c_str(), 0755);
+    EXPECT_EQ(scratch.get("file"), "second");
+    EXPECT_EQ(scratch.names(), Names{"file"});
+}
+
+TEST(WholeFile, KeepsTheOldTextWhenTheDiskTakesNoMore) {
+    const Scratch scratch;
+    WholeFile file(scratch.put("file", "old"));
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{1000, before.rlim_max};
+    auto* const handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    const bool replaced = file.replace(std::string(5000, 'x'), 1);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(replaced);
+    EXPECT_EQ(scratch.get("file"), "old");
+    EXPECT_EQ(scratch.names(), Names{"file"});
+}
+
+TEST(WholeFile, FailsOnWhatIsNoFileToWrite) {
+    const Scratch scratch;
+    std::filesystem::create_directory(scratch.path("directory"));
+    ASSERT_EQ(mkfifo(scratch.path("fifo").c_str(), 0666), 0);
+    chmod(scratch.put("readonly", "old").c_str(), 0444);
+    chmod(scratch.path().c_str(), 0777);
+    const Unprivileged user;
+    for (const char* name : {"directory", "fifo", "readonly", "missing/file"}) {
+        EXPECT_FALSE(WholeFile(scratch.path(name)).replace("text", 1)) << name;
+    }
+    EXPECT_EQ(scratch.names(), (Names{"directory", "fifo", "readonly"}));
+}
+
+TEST(WholeFile, RemovesOnlyOldTemporaryFilesOfItsOwn) {
+    const Scratch scratch;
+    for (const char* name : {"file", "file.tmp-Ab12Cd", "file.tmp-toolong", "other.tmp-Ab12Cd"}) {
+        const timeval old[2] = {{1000, 0}, {1000, 0}};
+        utimes(scratch.put(name, "x").c_str(), old);
+    }
+    scratch.put("file.tmp-Young1", "x");
+    WholeFile(scratch.path("file")).removeLeftovers();
+    EXPECT_EQ(scratch.names(),
+              (Names{"file", "file.tmp-toolong", "other.tmp-Ab12Cd", "file.tmp-Young1"}));
+}
+
+}  // namespace

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "rig/world.h"
+
+namespace rig {
+
+/// Lets a person drive the world from the terminal: what is typed becomes key and pointer events.
+/// Returns the program's exit status. The terminal is as before when it returns.
+int drive(World& world, bool log);
+
+/// Prints one line, whole, from any thread; right in a raw terminal too.
+void show(const std::string& line);
+
+}  // namespace rig

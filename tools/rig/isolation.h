@@ -1,0 +1,10 @@
+#pragma once
+
+namespace rig {
+
+/// Moves the process into a network namespace of its own whose loopback is up, so that fixed ports
+/// never clash with another rig or console. Call it before the first thread starts. Returns false,
+/// with nothing changed, where the machine does not allow it.
+bool enterOwnNetwork();
+
+}  // namespace rig

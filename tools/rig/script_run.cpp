@@ -1,0 +1,166 @@
+#include <thread>
+
+#include "rig/script.h"
+
+namespace rig {
+namespace {
+
+constexpr Milliseconds kExpectLimit{3000};
+constexpr Milliseconds kSilence{100};
+constexpr std::size_t kMostFaults = 5;
+constexpr const char* kDaemonAddress = "127.0.0.1";
+
+/// Plays the steps; the records' time starts at 1000 s and moves with the pauses alone.
+class Player {
+ public:
+    Player(const Script& script, World& world) : script_(script), world_(world) {}
+
+    std::vector<std::string> play();
+
+ private:
+    void run(const Step& step);
+    void emit(const Step& step);
+    void pause(const Step& step);
+    void expectReport(const Step& step, Box& box, const std::string& name);
+    void expectAtBox(const Step& step);
+    void expectLine(const Step& step);
+    void expectNothing(const Step& step, Milliseconds limit);
+    void fault(const Step& step, const std::string& expected, const std::string& got);
+
+    const Script& script_;
+    World& world_;
+    Stamp now_{1000, 0};
+    std::vector<std::string> faults_;
+};
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string all;
+    for (const std::string& text : texts) {
+        all += (all.empty() ? "" : "; ") + text;
+    }
+    return all;
+}
+
+std::uint16_t portOf(const std::string& text) {
+    return static_cast<std::uint16_t>(std::atoi(text.c_str()));
+}
+
+std::vector<std::string> Player::play() {
+    for (const Step& step : script_.steps) {
+        run(step);
+        if (faults_.size() >= kMostFaults) {
+            return faults_;
+        }
+    }
+    Step end;
+    end.line = script_.steps.empty() ? 0 : script_.steps.back().line;
+    expectNothing(end, kSilence);
+    return faults_;
+}
+
+void Player::run(const Step& step) {
+    switch (step.kind) {
+        case Step::Kind::kEmit:
+            return emit(step);
+        case Step::Kind::kPause:
+            return pause(step);
+        case Step::Kind::kBox:
+            return expectAtBox(step);
+        case Step::Kind::kOsd:
+            return expectReport(step, world_.osd(portOf(step.where)), "osd " + step.where);
+        case Step::Kind::kLine:
+            return expectLine(step);
+        case Step::Kind::kSend:
+            world_.control().send({kDaemonAddress, portOf(step.where)}, step.text);
+            return;
+        case Step::Kind::kReply:
+            return expectReport(step, world_.control(), "reply");
+        case Step::Kind::kNothing:
+            return expectNothing(step, kSilence);
+        case Step::Kind::kPlug:
+            return world_.plug(step.device);
+        case Step::Kind::kUnplug:
+            return world_.board.unplug(step.device.number);
+        case Step::Kind::kAnswer:
+            return world_.box(step.where)
+                .setAnswer(step.text.empty() ? std::nullopt : std::optional(step.text));
+    }
+}
+
+void Player::emit(const Step& step) {
+    for (const ScriptEvent& event : step.events) {
+        if (!world_.board.emit(event.node, event.type, event.code, event.value, now_)) {
+            fault(step, "event" + std::to_string(event.node) + " to take a record",
+                  "a node that nobody reads");
+        }
+    }
+}
+
+void Player::pause(const Step& step) {
+    constexpr std::int64_t kMicro = 1'000'000;
+    const std::int64_t total =
+        now_.seconds * kMicro + now_.microseconds + std::chrono::microseconds(step.pause).count();
+    now_ = {static_cast<std::int32_t>(total / kMicro), static_cast<std::int32_t>(total % kMicro)};
+    if (!script_.quick) {
+        std::this_thread::sleep_for(step.pause);
+    }
+}
+
+void Player::expectAtBox(const Step& step) {
+    const std::string address = step.where.substr(0, step.where.find(':'));
+    if (!world_.hasBox(address)) {
+        return fault(step, "a box at " + address, "no such box");
+    }
+    expectReport(step, world_.box(address), "box " + step.where);
+}
+
+void Player::expectReport(const Step& step, Box& box, const std::string& name) {
+    const auto report = box.next(kExpectLimit);
+    const std::string expected = name + "  " + step.text;
+    if (!report) {
+        const auto others = world_.leftovers();
+        return fault(step, expected,
+                     others.empty() ? "nothing" : "nothing there, but " + joined(others));
+    }
+    const std::size_t colon = step.where.find(':');
+    const bool port =
+        colon == std::string::npos || report->at.port == portOf(step.where.substr(colon + 1));
+    if (report->text != step.text || !port) {
+        fault(step, expected,
+              report->text + (port ? "" : " at port " + std::to_string(report->at.port)));
+    }
+}
+
+void Player::expectLine(const Step& step) {
+    if (!world_.daemon().waitForLine(step.text, kExpectLimit)) {
+        fault(step, "line " + step.text, "no such line");
+    }
+}
+
+void Player::expectNothing(const Step& step, Milliseconds limit) {
+    std::this_thread::sleep_for(limit);
+    if (const auto others = world_.leftovers(); !others.empty()) {
+        fault(step, "nothing more", joined(others));
+        world_.clear();
+    }
+}
+
+void Player::fault(const Step& step, const std::string& expected, const std::string& got) {
+    faults_.push_back(script_.name + ":" + std::to_string(step.line) + ": expected " + expected +
+                      ", got " + got);
+}
+
+}  // namespace
+
+std::vector<std::string> runScript(const Script& script, World& world, Daemon::Observer lines) {
+    if (const auto problem = world.start(std::move(lines))) {
+        return {script.name + ": " + *problem};
+    }
+    std::vector<std::string> faults = Player(script, world).play();
+    if (std::string accident = world.accident(); !accident.empty()) {
+        faults.push_back(script.name + ": " + accident);
+    }
+    return faults;
+}
+
+}  // namespace rig

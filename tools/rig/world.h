@@ -1,0 +1,90 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "rig/board.h"
+#include "rig/box.h"
+#include "rig/daemon.h"
+
+namespace rig {
+
+enum class Kind { kKeyboard, kMouse, kTouch, kDead };
+
+struct PlannedDevice {
+    Kind kind = Kind::kKeyboard;
+    int number = 0;
+    std::string name;  ///< empty: the board's usual name for the kind
+};
+
+struct PlannedBox {
+    Endpoint at;
+    std::optional<std::string> answer;  ///< to "link"; nothing: silent
+};
+
+/// What stands around the daemon.
+struct Plan {
+    std::vector<std::string> wall;  ///< map lines, one a screen
+    bool osd = true;
+    std::string local;  ///< the board's address; empty: the first screen's output address
+    std::string board;  ///< identifier; empty: the one that needs no bring-up
+    std::vector<PlannedDevice> devices;
+    std::vector<PlannedBox> boxes;  ///< besides those that stand in the wall
+    std::vector<std::string> users;
+    std::map<std::string, std::string> settings;
+};
+
+inline constexpr const char* kUsualAnswer = "vi_w=1920&vi_h=1080&kvm=abs";
+
+/// Keyboard event0, mouse event1, and a wall of two screens beside each other with two boxes each:
+/// 127.0.0.31 and .32 in front of the console at 127.0.0.20, .41 and .42 on its right.
+Plan usualPlan();
+
+/// A board, its boxes, its OSD recorders and the daemon between them. One thread at a time.
+class World {
+ public:
+    /// Called for every report of a box (name: "box 127.0.0.31") or recorder ("osd 41237").
+    using Observer = std::function<void(const std::string& name, const Report& report)>;
+
+    /// Lays out the board and opens all ports. Throws std::system_error when the machine refuses.
+    explicit World(const Plan& plan, Observer observer = {});
+
+    /// Starts the daemon and waits until its listener serves the devices and the first box has been
+    /// told about the lights. Nothing when all is well, otherwise what was missing.
+    std::optional<std::string> start(Daemon::Observer lines = {});
+
+    void plug(const PlannedDevice& device);
+
+    Board board;
+    Box& box(const std::string& address);  ///< throws std::out_of_range when there is none
+    Box& osd(std::uint16_t port);          ///< 41237 or 41238
+    Box& control() { return *control_; }   ///< sends commands to the daemon, keeps its answers
+    Daemon& daemon() { return *daemon_; }
+    bool hasBox(const std::string& address) const { return boxes_.count(address) != 0; }
+
+    /// Every report that nobody took yet, as "box 127.0.0.31  key down A".
+    std::vector<std::string> leftovers() const;
+
+    /// What a sanitizer wrote to the daemon's error stream, or that the daemon ended; empty if
+    /// neither.
+    std::string accident() const;
+
+    void clear();  ///< drops every report not taken yet
+
+ private:
+    void openBoxes(const Observer& observer);
+    void openRecorders(const Observer& observer);
+    std::optional<std::string> firstLights(const std::string& selected);
+
+    Plan plan_;
+    std::map<std::string, std::unique_ptr<Box>> boxes_;
+    std::map<std::uint16_t, std::unique_ptr<Box>> osd_;
+    std::unique_ptr<Box> control_;
+    std::unique_ptr<Daemon> daemon_;
+};
+
+}  // namespace rig
