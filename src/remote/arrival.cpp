@@ -32,7 +32,7 @@ Axis keptAxis(const ScreenShape& from, const ScreenShape& to, Axis at, std::uint
                 pointer % size * static_cast<std::int32_t>(toCount)};
     }
     const auto count = static_cast<std::int32_t>(std::max<std::uint32_t>(fromCount, 1));
-    return {0, pointer / count + static_cast<std::int32_t>(at.cell) * cellSize(from)};
+    return {0, moved(pointer / count, static_cast<std::int32_t>(at.cell) * cellSize(from))};
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ int setCells(const std::vector<std::string>& entries, unsigned* outKey) {
         *outKey = *key;
     }
     for (std::size_t i = 1; i < entries.size(); ++i) {
-        const MapEntry entry = parseMapEntry(entries[i]);
+        const MapEntry entry = takeMapEntry(entries[i]);
         std::printf("inkey-->0x%x\n", gridKey(static_cast<std::uint32_t>(entry.x),
                                               static_cast<std::uint32_t>(entry.y)));
         addCell(wall, entries[i], *key);

@@ -46,6 +46,7 @@ class Box {
 
     /// The text that a "link" query gets from now on; nothing: the box stays silent.
     void setAnswer(std::optional<std::string> answer);
+    bool answers() const;
 
     /// Takes the oldest report that was not taken yet, waiting at most `limit` for one.
     std::optional<Report> next(Milliseconds limit);

@@ -182,8 +182,9 @@ std::string Daemon::procFile(const char* name) const {
 
 long Daemon::statusField(std::string_view key) const {
     const std::string text = procFile("status");
-    const std::size_t at = text.find("\n" + std::string(key) + ":");
-    return at == std::string::npos ? -1 : std::atol(text.c_str() + at + key.size() + 2);
+    const std::string label = std::string(key) + ":";
+    const std::size_t at = text.find(label);
+    return at == std::string::npos ? -1 : std::atol(text.c_str() + at + label.size());
 }
 
 long Daemon::peakMemoryKiB() const { return statusField("VmHWM"); }

@@ -44,9 +44,11 @@ inline std::string unquote(std::string_view text) {
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
         text = text.substr(1, text.size() - 2);
     }
-    std::string result(text);
-    for (std::size_t at = 0; (at = result.find("\\n", at)) != std::string::npos; ++at) {
-        result.replace(at, 2, "\n");
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool feed = text.substr(i).starts_with("\\n");
+        result += feed ? '\n' : text[i];
+        i += feed ? 1 : 0;
     }
     return result;
 }

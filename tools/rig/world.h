@@ -54,7 +54,8 @@ class World {
     explicit World(const Plan& plan, Observer observer = {});
 
     /// Starts the daemon and waits until its listener serves the devices and the first box has been
-    /// told about the lights. Nothing when all is well, otherwise what was missing.
+    /// told about the lights. Starts it anew, at most twice, when that box's answer came too late
+    /// for the daemon. Nothing when all is well, otherwise what was missing.
     std::optional<std::string> start(Daemon::Observer lines = {});
 
     void plug(const PlannedDevice& device);
@@ -78,7 +79,7 @@ class World {
  private:
     void openBoxes(const Observer& observer);
     void openRecorders(const Observer& observer);
-    std::optional<std::string> firstLights(const std::string& selected);
+    std::optional<std::string> firstBox(const std::string& selected, bool& late);
 
     Plan plan_;
     std::map<std::string, std::unique_ptr<Box>> boxes_;

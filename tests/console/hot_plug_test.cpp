@@ -1,0 +1,116 @@
+#include <linux/input-event-codes.h>
+
+#include <fstream>
+
+#include "console.h"
+
+/// Devices come and go; the console goes on with what is there and leaves nothing behind.
+
+namespace {
+
+using ::testing::Contains;
+
+constexpr const char* kListening = "======>start listenInput<======";
+constexpr rig::Milliseconds kRestart{6000};
+
+class HotPlug : public Console {
+ protected:
+    void expectListening() {
+        ASSERT_TRUE(daemon().waitForLine(kListening, kRestart)) << "the listener did not restart";
+    }
+
+    /// The start of a listener tells the box its lights.
+    void takeLights() { expectReport(kFirstBox, "lights caps off num off"); }
+};
+
+}  // namespace
+
+TEST_F(HotPlug, ASecondKeyboardJoinsAndTheFirstGoesOn) {
+    start();
+    daemon().skipLines();
+    board().plugKeyboard(2);
+    expectListening();
+    takeLights();
+    ASSERT_TRUE(board().key(2, KEY_B, true));
+    expectReport(kFirstBox, "key down B");
+    ASSERT_TRUE(board().key(2, KEY_B, false));
+    expectReport(kFirstBox, "keys up");
+    ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
+    expectReport(kFirstBox, "key down A");
+}
+
+TEST_F(HotPlug, ARestartPrintsItsLinesInOrder) {
+    start();
+    daemon().skipLines();
+    board().plugKeyboard(2);
+    for (const char* line :
+         {"------------hot event ", " H: Handlers=sysrq kbd event0 ", "H: Handlers=mouse1 event1 ",
+          "H: Handlers=sysrq kbd event2 ", "----------", "set string",
+          "[SaveConfig]-110: save config succeed", "close all keyboard input device",
+          "close all mouse input device", "close all touch input device", "not get newTouch",
+          "input thread cancel", "input thread cancel", "get mouse event-->event1",
+          "get key event-->event0", "get key event-->event2",
+          "mouseEvent-->1 keyevent-->2 touchevent-->0"}) {
+        ASSERT_TRUE(daemon().waitForLine(line, kRestart)) << "missing: " << line;
+    }
+}
+
+TEST_F(HotPlug, UnpluggingEverythingAndReplugging) {
+    start();
+    daemon().skipLines();
+    const int descriptors = daemon().descriptors();
+    board().unplugAll();
+    ASSERT_TRUE(daemon().waitForLine("input thread cancel", kRestart));
+    ASSERT_TRUE(daemon().waitForLine("close all touch input device", kRestart));
+    EXPECT_EQ(daemon().descriptors(), descriptors - 2);
+    EXPECT_EQ(daemon().threads(), 3);
+    board().plugMouse(1);
+    board().plugKeyboard(0);
+    expectListening();
+    takeLights();
+    ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
+    expectReport(kFirstBox, "key down A");
+}
+
+TEST_F(HotPlug, ADeviceThatNeverAnswersIsDropped) {
+    plan.devices.push_back({rig::Kind::kDead, 2, {}});
+    start();
+    EXPECT_THAT(daemon().lines(), Contains("get real mouse event 1, keyboard evnet 1"));
+    ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
+    expectReport(kFirstBox, "key down A");
+}
+
+TEST_F(HotPlug, AKeyHeldWhileItsKeyboardIsPulledIsLetGo) {
+    start();
+    ASSERT_TRUE(board().key(kKeyboard, KEY_LEFTSHIFT, true));
+    expectReport(kFirstBox, "modifiers LEFTSHIFT");
+    daemon().skipLines();
+    board().unplug(kKeyboard);
+    expectListening();
+    expectReport(kFirstBox, "keys up");
+}
+
+TEST_F(HotPlug, AButtonHeldWhileItsMouseIsPulledIsLetGo) {
+    start();
+    ASSERT_TRUE(board().emit(kMouse, EV_KEY, BTN_LEFT, 1));
+    expectReport(kFirstBox, "pointer 0,0 buttons left");
+    daemon().skipLines();
+    board().unplug(kMouse);
+    expectListening();
+    expectReport(kFirstBox, "pointer 0,0 buttons none");
+}
+
+TEST_F(HotPlug, AShortRecordRestartsTheListener) {
+    start();
+    daemon().skipLines();
+    {
+        std::ofstream node(board().node(kKeyboard), std::ios::binary);
+        node << "short";
+    }
+    ASSERT_TRUE(daemon().waitForLine("read key error or in osd pause 0 len 5", kRestart));
+    ASSERT_TRUE(daemon().waitForLine("hot input event", kRestart));
+    expectListening();
+    takeLights();
+    ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
+    expectReport(kFirstBox, "key down A");
+}

@@ -1,0 +1,99 @@
+#include <fstream>
+#include <sstream>
+
+#include "console.h"
+
+/// The start-up sequence as the log and the files show it.
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAreArray;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+std::vector<std::string> goldenLines(const std::string& name) {
+    std::ifstream file(std::string(CONSOLE_GOLDEN) + "/" + name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// What differs from run to run: the thread's identifier and the port that a box answers from.
+std::vector<std::string> normalised(std::vector<std::string> lines) {
+    for (std::string& line : lines) {
+        if (line.starts_with("thread tid-->")) {
+            line = "thread tid-->N";
+        }
+    }
+    return lines;
+}
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::ostringstream text;
+    for (const std::string& line : lines) {
+        text << line << '\n';
+    }
+    return text.str();
+}
+
+class Startup : public Console {};
+
+}  // namespace
+
+TEST_F(Startup, WholeLogIsTheGoldenFile) {
+    start();
+    const auto lines = normalised(daemon().lines());
+    EXPECT_THAT(lines, ElementsAreArray(goldenLines("startup.log"))) << joined(lines);
+}
+
+TEST_F(Startup, SettingsAreWrittenBackWithTheirDefaults) {
+    plan.wall.clear();
+    world().board.write("data/tav_rik.ini", "kUdpServerPort=19400\n");
+    ASSERT_EQ(world().start(), std::nullopt);
+    const std::string saved = board().read("data/tav_rik.ini");
+    EXPECT_THAT(saved, StartsWith("kUdpServerPort=19400\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\n"));
+    EXPECT_NE(saved.find("\nkOutNum=0\nkOutIpmap0=\n"), std::string::npos) << saved;
+    EXPECT_EQ(std::count(saved.begin(), saved.end(), '\n'), 23) << saved;
+}
+
+TEST_F(Startup, WithoutAnOsdDirectoryTheModeIsDirect) {
+    plan.osd = false;
+    start();
+    EXPECT_THAT(daemon().lines(), Contains("this kvm use dma"));
+    EXPECT_THAT(daemon().lines(), Not(Contains("this kvm use osd")));
+}
+
+TEST_F(Startup, UnusableFilesCostOneLineEach) {
+    world().board.write("version/hardware_info", "no json at all");
+    world().board.write("data/net.ini", "");
+    world().board.write("data/tav_rik.ini", std::string("kUdpServerPort=\0\n", 17));
+    world().board.write("work/ip.txt", std::string(2049, 'x'));
+    plan.board.clear();
+    // The board is unknown, so the fallback's shell commands run with their waits before the rest.
+    rig::Daemon console(world().board.root(), world().board.work());
+    ASSERT_TRUE(console.waitForLine("locak Ip=kEth0Ip", kLimit));
+    ASSERT_TRUE(console.waitForLine("======>start listenInput<======", kLimit));
+    EXPECT_THAT(console.lines(), Contains("ip.txt error"));
+    EXPECT_THAT(console.lines(),
+                Contains("/data/tav_rik.ini holds a NUL byte: no settings loaded, file kept as "
+                         "/data/tav_rik.ini.refused"));
+    EXPECT_EQ(board().read("data/tav_rik.ini.refused").size(), 17U);
+    EXPECT_TRUE(console.running());
+}
+
+TEST_F(Startup, LoadsAsManyMapLinesAsTheTableHolds) {
+    std::string settings =
+        "kUdpServerPort=80\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\nkHotCmd1=\nkHotCmd2=\nkOutNum=4089\n";
+    for (int n = 0; n < 4089; ++n) {
+        settings += "kOutIpmap" + std::to_string(n) + "=" + std::to_string(n % 129) + "," +
+                    std::to_string(n / 129) + ",127.0.0.20#0,0,127.0.0.31-8000\n";
+    }
+    world().board.write("data/tav_rik.ini", settings);
+    rig::Daemon console(world().board.root(), world().board.work());
+    ASSERT_TRUE(console.waitForLine("out number-->4089", rig::Milliseconds{15000}));
+    ASSERT_TRUE(console.waitForLine("======>start listenInput<======", rig::Milliseconds{15000}));
+    EXPECT_EQ(board().read("data/tav_rik.ini"), settings) << "a full table is written back whole";
+}
