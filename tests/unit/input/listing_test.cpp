@@ -1,0 +1,218 @@
+#include "input/listing.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "input/discovery.h"
+#include "unit/net/open_socket.h"
+
+namespace {
+
+std::string device(const std::string& name, const std::string& handlers) {
+    return "N: Name=\"" + name + "\"\nP: Phys=usb-1/input0\nH: Handlers=" + handlers + " \n\n";
+}
+
+std::string names(const InputDeviceList& list) {
+    std::string text;
+    for (std::size_t i = 0; i < list.count; ++i) {
+        text += (i != 0 ? " " : "") + std::string(list.name(i));
+    }
+    return text;
+}
+
+struct Discovery : testing::Test {
+    /// One pass over the listing as the supervisor makes it.
+    void take(const std::string& text, bool restart = false) {
+        const DeviceListing listing = takeListing(text);
+        printed = printedBy([&] { recognisePanel(events, listing, restart, touchByName); });
+        printed += printedBy([&] { classifyLines(events, listing, touchByName); });
+    }
+
+    void expectDevices(const char* keyboards, const char* mice, const char* touch) {
+        EXPECT_EQ(names(events.keyDevices), keyboards) << printed;
+        EXPECT_EQ(names(events.mouseDevices), mice) << printed;
+        EXPECT_EQ(names(events.touchDevices), touch) << printed;
+    }
+
+    inputevent_ events;
+    bool touchByName = false;
+    std::string printed;
+};
+
+TEST_F(Discovery, PanelsAreRecognisedByName) {
+    const struct {
+        const char* name;
+        std::int32_t type;
+        std::int32_t maxX, maxY, restartMaxX, restartMaxY;
+        std::uint32_t count;
+        bool byName;
+        const char* line;
+        const char* restartLine;
+    } rows[] = {
+        {"ILITEK ILITEK-TP", 0, 16384, 16384, 16384, 16384, 1, true,
+         "get new touch event-->event4\n", "get new touch event-->event4\n"},
+        {"ILITEK Multi-Touch-V3000", 1, 16384, 9600, 16384, 9600, 0, false,
+         "get new V3000 systerm old touch event-->event4\n",
+         "get new systerm old touch event-->event4\n"},
+        {"ILITEK Multi-Touch-V5000", 1, 16384, 9600, 16384, 9600, 1, false,
+         "get new V5000 systerm old touch event-->event4\n",
+         "get new V5000 systerm old touch event-->event4\n"},
+        {"Melfas LGDisplay", 2, 4080, 4080, 4080, 4080, 1, true,
+         "get LG systerm old touch event-->event4\n", "get LG systerm old touch event-->event4\n"},
+        {"Siliconworks", 3, 32627, 32475, 32446, 32173, 1, true,
+         "get Siw systerm  touch event-->event4\n", "get Siw systerm  touch event-->event4\n"},
+    };
+    for (const auto& row : rows) {
+        for (const bool restart : {false, true}) {
+            SCOPED_TRACE(std::string(row.name) + (restart ? ", restart" : ", first pass"));
+            inputevent_ object;
+            bool byName = false;
+            const DeviceListing listing = takeListing(
+                device("Plain Mouse", "mouse0 event3") + device(row.name, "mouse1 event4"));
+            EXPECT_EQ(printedBy([&] { recognisePanel(object, listing, restart, byName); }),
+                      restart ? row.restartLine : row.line);
+            EXPECT_EQ(object.touchType, row.type);
+            EXPECT_EQ(object.touchMaxX, restart ? row.restartMaxX : row.maxX);
+            EXPECT_EQ(object.touchMaxY, restart ? row.restartMaxY : row.maxY);
+            EXPECT_EQ(object.touchDevices.count, row.count);
+            EXPECT_STREQ(object.touchDevices.name(0), "event4");
+            EXPECT_EQ(byName, row.byName);
+            EXPECT_EQ(object.ilitekTouch, row.type == 0 ? 1 : 0);
+            bool kept = true;
+            printedBy([&] { recognisePanel(object, listing, restart, kept); });
+            EXPECT_TRUE(kept) << "no row of the five clears what an earlier pass found";
+        }
+    }
+}
+
+TEST_F(Discovery, WithoutAPanelTheFlagsAreClearedAndTheRangeStays) {
+    take(device("ILITEK ILITEK-TP", "mouse0 event2"));
+    EXPECT_EQ(printed, "get new touch event-->event2\nthis is touch event\n");
+    take(device("My ILITEK ILITEK-TP", "kbd event1"), true);
+    EXPECT_EQ(printed, "not get newTouch\nget key event-->event1\n");
+    EXPECT_EQ(events.ilitekTouch, 0);
+    EXPECT_FALSE(touchByName);
+    EXPECT_EQ(events.touchMaxX, 16384);
+    expectDevices("event1", "", "");
+    take(device("Plain Keyboard", "kbd event1"));
+    EXPECT_EQ(printed, "not Touch\nget key event-->event1\n");
+}
+
+TEST_F(Discovery, FirmwareV06IsLookedForAfterTheNodeAndNeverForgotten) {
+    take("V06.00.00.00\n" + device("ILITEK ILITEK-TP", "mouse0 event2"));
+    EXPECT_EQ(events.touchFwV06, 0);
+    take(device("ILITEK ILITEK-TP", "mouse0 event2") + "S: V06.00.00.00\n");
+    EXPECT_EQ(events.touchFwV06, 1);
+    take(device("ILITEK ILITEK-TP", "mouse0 event2"));
+    EXPECT_EQ(events.touchFwV06, 1);
+}
+
+TEST_F(Discovery, ADoubledV5000TakesTwoSlots) {
+    take(device("ILITEK Multi-Touch-V5000", "mouse0 event2") +
+         device("ILITEK Multi-Touch-V5000 Mouse", "mouse1 event5"));
+    EXPECT_EQ(printed,
+              "get new V5000 systerm old touch event-->event2\n"
+              "get new V5000 systerm old touch event-->event5\n"
+              "this is touch event\nthis is touch event\n");
+    expectDevices("", "", "event2 event5");
+}
+
+TEST_F(Discovery, APanelsNodeIsCutToSixCharacters) {
+    take(device("Siliconworks", "mouse0 event12") + device("Mouse", "mouse1 event1"));
+    // The cut name is that of the other device: names are compared whole.
+    expectDevices("", "event12", "event1");
+}
+
+TEST_F(Discovery, TheFirstPanelOfTheTableWins) {
+    take(device("Siliconworks", "mouse0 event2") + device("Melfas LGDisplay", "mouse1 event3"));
+    EXPECT_EQ(events.touchType, 2);
+    expectDevices("", "event2", "event3");
+}
+
+TEST_F(Discovery, HandlersDecideWhatADeviceIs) {
+    const struct {
+        const char* handlers;
+        const char* keyboards;
+        const char* mice;
+        const char* touch;
+    } rows[] = {
+        {"sysrq kbd event0", "event0", "", ""},
+        {"sysrq kbd leds event10", "event10", "", ""},
+        {"mouse0 event11", "", "event11", ""},
+        {"mouse0 event1 js0", "", "", "event1"},
+        {"js0 mouse0 event1", "", "event1", ""},
+        {"kbd mouse0 event1", "", "event1", ""},
+        {"mouse0 kbd event1", "event1", "event1", ""},
+        {"event3", "", "", ""},
+        {"kbd", "", "", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.handlers);
+        take(device("Something", row.handlers));
+        expectDevices(row.keyboards, row.mice, row.touch);
+    }
+}
+
+TEST_F(Discovery, AGenericPanelIsTakenOnlyWhereNoneWasNamed) {
+    const std::string joystick = device("Panel", "mouse1 event7 js0");
+    take(device("Siliconworks", "mouse0 event2") + joystick);
+    expectDevices("", "", "event2");
+    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3 js1") + joystick, true);
+    expectDevices("", "", "");  // the pass before had a named one
+    touchByName = false;
+    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3 js1") + joystick, true);
+    expectDevices("", "", "event3 event7");
+    EXPECT_NE(printed.find("get touch event-->event7\n"), std::string::npos) << printed;
+    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3"), true);
+    expectDevices("", "event3", "");
+}
+
+TEST_F(Discovery, MoreThanEightDevicesOfAKindAreLeftOutWithOneLineEach) {
+    std::string text;
+    for (int i = 0; i < 10; ++i) {
+        text += "H: Handlers=kbd event" + std::to_string(i) + " \n";
+    }
+    take(text);
+    expectDevices("event0 event1 event2 event3 event4 event5 event6 event7", "", "");
+    EXPECT_NE(printed.find("left out event8\n"), std::string::npos) << printed;
+    EXPECT_NE(printed.find("left out event9\n"), std::string::npos) << printed;
+}
+
+TEST(DeviceListingLimits, WholeHandlersLinesAreTakenAndTheRestIsCounted) {
+    const struct {
+        std::size_t lines, width, taken;
+    } rows[] = {{16, 20, 16}, {17, 20, 16}, {16, 63, 15}, {16, 62, 16}, {1, 1023, 0}, {1, 1022, 1}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.lines * 10'000 + row.width);
+        std::string text;
+        for (std::size_t i = 0; i < row.lines; ++i) {
+            std::string line = "H: Handlers=kbd event1 ";
+            line.resize(row.width, ' ');
+            text += (row.width < 23 ? "H: Handlers=kbd e1 " + std::string(row.width - 19, ' ')
+                                    : line) +
+                    "\n";
+        }
+        const DeviceListing listing = takeListing(text);
+        EXPECT_EQ(std::count(listing.handlers.begin(), listing.handlers.end(), '\n'),
+                  static_cast<long>(row.taken));
+        EXPECT_EQ(listing.linesLeftOut, row.lines - row.taken);
+        EXPECT_LT(listing.handlers.size(), 1024U);
+        EXPECT_TRUE(listing.handlers.empty() || listing.handlers.back() == '\n');
+    }
+}
+
+TEST_F(Discovery, AListingBeyondItsLimitIsCutWithOneLine) {
+    const std::string filler(2048, 'x');
+    take("N: Name=\"" + filler + "\"\n" + device("Siliconworks", "mouse0 event2") +
+         device("Board", "kbd event3"));
+    EXPECT_EQ(events.touchDevices.count, 0U) << "the panel stands beyond the limit";
+    expectDevices("event3", "event2", "");
+    EXPECT_EQ(printed.find("input device list too long, left out "), 0U) << printed;
+    take("");
+    expectDevices("", "", "");
+}
+
+}  // namespace
