@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <string_view>
@@ -44,9 +47,21 @@ int parseArguments(int count, char** arguments) {
     return -1;
 }
 
+/// A descriptor of 0 means "closed" in the device lists, so none of the first three may be free.
+void keepStandardDescriptors() {
+    int fd = 0;
+    do {
+        fd = open("/dev/null", O_RDWR);
+    } while (fd >= 0 && fd <= STDERR_FILENO);
+    if (fd >= 0) {
+        close(fd);
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    keepStandardDescriptors();
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
     const int status = parseArguments(argc, argv);

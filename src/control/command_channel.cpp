@@ -126,7 +126,7 @@ void CommandChannel::details(const std::string& text) {
     events_.hotPlugFlag = 1;
     osdIpMapSet(map, "in", &screenKey_);
     if (startFlag) {
-        selectAfterRelation(map);
+        selectAfterRelation();
     } else {
         reselectScreen(map);
     }
@@ -153,7 +153,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
 }
 
 /// The first cells after a wall that arrived while the OSD was open.
-void CommandChannel::selectAfterRelation(const std::string& /*map*/) {
+void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
     curName.set({});
     selectInputOfCell(events_);

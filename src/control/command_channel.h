@@ -42,7 +42,7 @@ class CommandChannel {
     void status(const std::string& text);
 
     void reselectScreen(const std::string& map);
-    void selectAfterRelation(const std::string& map);
+    void selectAfterRelation();
     void sendPointer();
 
     inputevent_& events_;

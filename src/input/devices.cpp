@@ -37,8 +37,6 @@ void learnTouchRange(inputevent_& events, std::int32_t fd) {
     if (x && y && x->maximum > 0 && y->maximum > 0) {
         events.touchMaxX = x->maximum;
         events.touchMaxY = y->maximum;
-    } else if (events.touchMaxX <= 0 || events.touchMaxY <= 0) {
-        std::puts("touch panel of unknown range, its positions are ignored");
     }
 }
 

@@ -46,12 +46,15 @@ class Run {
 }  // namespace
 
 void startInputThread() {
-    const std::lock_guard hold(life().guard);
-    life().running = true;
-    life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr);
-    life().everStarted = life().thread != 0;
-    if (life().thread == 0) {
-        life().running = false;
+    bool started = false;
+    {
+        const std::lock_guard hold(life().guard);
+        life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr);
+        started = life().thread != 0;
+        life().running = started;
+        life().everStarted = started;
+    }
+    if (!started) {
         std::puts("thread create error");
     }
 }
@@ -65,8 +68,12 @@ void stopInputThread() {
 }
 
 void reportInputThreadCancel() {
-    const std::lock_guard hold(life().guard);
-    if (life().everStarted) {
+    bool started = false;
+    {
+        const std::lock_guard hold(life().guard);
+        started = life().everStarted;
+    }
+    if (started) {
         std::puts("input thread cancel");
     } else {
         std::fputs("input thread cancel error\n", stderr);

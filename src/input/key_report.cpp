@@ -31,7 +31,8 @@ constexpr ModifierRelease kModifierReleases[] = {
 };
 
 void append(char* text, std::string_view part) {
-    std::memcpy(text + std::strlen(text), part.data(), part.size());
+    char* end = text + std::strlen(text);
+    end[part.copy(end, part.size())] = '\0';
 }
 
 }  // namespace
@@ -79,12 +80,7 @@ int inputevent_::OnKeyUp(int code, std::uint8_t* report, char) {
 }
 
 int inputevent_::GetChar(const std::uint8_t* report, char* text) {
-    const std::string_view prefix = hotkeyPrefixOf(report[wire::kModifiersAt]);
-    const std::string_view key = hotkeyNameOf(report[wire::kFirstKeyAt]);
-    const std::size_t length = std::strlen(text);
-    append(text, prefix);
-    text[length + prefix.size()] = '\0';
-    append(text, key);
-    text[length + prefix.size() + key.size()] = '\0';
+    append(text, hotkeyPrefixOf(report[wire::kModifiersAt]));
+    append(text, hotkeyNameOf(report[wire::kFirstKeyAt]));
     return 1;
 }

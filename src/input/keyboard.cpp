@@ -123,8 +123,7 @@ bool serveKeyboards(ListenerState& state) {
     std::size_t slot = 0;
     while (slot < keyboards.count) {
         const std::int32_t fd = keyboards.fds[slot];
-        const bool ready = fd >= 0 && FD_ISSET(fd, &state.ready);
-        if (!ready || (served[slot] && !hasInput(fd))) {
+        if (!state.isReady(fd) || (served[slot] && !hasInput(fd))) {
             ++slot;
             continue;
         }

@@ -33,17 +33,6 @@ int buildReadSet(inputevent_& events) {
     return addToSet(events.readSet, events.touchDevices, highest, false);
 }
 
-/// A device that vanished while keys or buttons were down will never tell that they went up.
-void letGoOfHeldInput(inputevent_& events) {
-    if (events.keysHeld.exchange(0) > 0) {
-        sendKeyReport(events, events.keyReleaseReport);
-    }
-    if (events.buttonsHeld.exchange(0) != 0) {
-        wire::Absolute released{};
-        events.operationEvent(kMouseMove, curIp.copy().c_str(), nullptr, released.data());
-    }
-}
-
 /// With no keyboard known, the lights are those of the first one that is open.
 void adoptLedKeyboard(inputevent_& events) {
     for (std::size_t i = 0; i < events.keyDevices.count; ++i) {
@@ -76,10 +65,12 @@ void begin(ListenerState& state) {
     events.listenerAlive = 1;
     buildReadSet(events);
     adoptLedKeyboard(events);
-    letGoOfHeldInput(events);
     selectInputOfCell(events);
     printSelection();
     setTouchInput(events);
+    if (events.touchDevices.count > 0 && (events.touchMaxX <= 0 || events.touchMaxY <= 0)) {
+        std::puts("touch panel of unknown range, its positions are ignored");
+    }
     if (resyncIsDue(events)) {
         std::puts("out set sync");
         resync(events);
@@ -92,6 +83,16 @@ bool serveAll(ListenerState& state) {
 }
 
 }  // namespace
+
+void letGoOfHeldInput(inputevent_& events) {
+    if (events.keysHeld.exchange(0) > 0) {
+        sendKeyReport(events, events.keyReleaseReport);
+    }
+    if (events.buttonsHeld.exchange(0) != 0) {
+        wire::Absolute released{};
+        events.operationEvent(kMouseMove, curIp.copy().c_str(), nullptr, released.data());
+    }
+}
 
 bool modesAreOff(const inputevent_& events) {
     return !osdFlag && !events.previewMode && !events.kvmMode;
@@ -120,10 +121,8 @@ unsigned inputevent_::listenInputFd() {
         }
         if (found < 1) {
             std::printf("select error--->%d\n", found);
-            listenerAlive = 0;
-            return 0;
         }
-        if (!serveAll(state)) {
+        if (found < 1 || !serveAll(state)) {
             letGoOfHeldInput(*this);
             listenerAlive = 0;
             return 0;

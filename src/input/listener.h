@@ -52,11 +52,20 @@ struct ListenerState {
     std::uint8_t firstKeyUsage() const { return report[wire::kFirstKeyAt]; }
     std::string_view name() const { return keyName.data(); }
 
+    /// True when the last wait found `fd` readable; false for a node that is not open.
+    bool isReady(std::int32_t fd) const {
+        return fd >= 0 && fd < FD_SETSIZE && FD_ISSET(fd, &ready);
+    }
+
     void clearReport() {
         report.fill(0);
         keyName.fill('\0');
     }
 };
+
+/// Lets go of the keys and buttons that are down at the current box: a device that vanished will
+/// never tell that they went up. Input thread, or the supervisor while none runs.
+void letGoOfHeldInput(inputevent_& events);
 
 /// True while the OSD is closed and neither preview nor KVM mode is on.
 bool modesAreOff(const inputevent_& events);

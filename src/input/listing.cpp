@@ -1,5 +1,6 @@
 #include "input/listing.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -9,6 +10,8 @@
 namespace {
 
 constexpr std::size_t kPanelNodeLength = 6;
+/// Far more than a listing has; what lies beyond is not even counted.
+constexpr std::size_t kMostRead = 65536;
 
 constexpr std::array<PanelRow, 5> kPanels{{
     // kind, name, type, first pass x and y, restart x and y, counted, by name
@@ -57,9 +60,10 @@ DeviceListing takeListing(const std::string& text) {
 
 DeviceListing loadDeviceListing() {
     std::ifstream file(prefixedPath("/proc/bus/input/devices"));
-    std::ostringstream text;
-    text << file.rdbuf();
-    return takeListing(text.str());
+    std::string text(kMostRead, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
+    return takeListing(text);
 }
 
 std::optional<PanelFound> findPanel(std::string_view listing) {

@@ -122,7 +122,7 @@ bool serveMouse(ListenerState& state, std::size_t slot) {
 bool serveMice(ListenerState& state) {
     const InputDeviceList& mice = state.events.mouseDevices;
     for (std::size_t i = 0; i < mice.count; ++i) {
-        if (mice.fds[i] >= 0 && FD_ISSET(mice.fds[i], &state.ready) && !serveMouse(state, i)) {
+        if (state.isReady(mice.fds[i]) && !serveMouse(state, i)) {
             return false;
         }
     }

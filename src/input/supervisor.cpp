@@ -6,6 +6,7 @@
 #include "app/base/singleton.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
+#include "input/listener.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ void Supervisor::handleNoDevices() {
     }
     if (!idle_) {
         stopInputThread();
+        letGoOfHeldInput(*events_);
         reportInputThreadCancel();
         events_->closeInputFd(true, true, true);
     }
@@ -58,6 +60,7 @@ void Supervisor::firstStart(const DeviceListing& listing) {
 /// close a descriptor that a later open receives. The lines keep their own order.
 void Supervisor::restart(const DeviceListing& listing) {
     stopInputThread();
+    letGoOfHeldInput(*events_);
     std::printf("------------hot event \n %s----------\n", listing.handlers.c_str());
     clearActKeyEvent();
     events_->hotPlugFlag = 1;

@@ -1,7 +1,9 @@
 #include <linux/input-event-codes.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 #include "app/base/clock.h"
 #include "input/listener.h"
@@ -80,6 +82,12 @@ void clickRight(ListenerState& state) {
     flushButtons(state, 0);
 }
 
+/// How far two coordinates are apart, held within 32 bits.
+std::int32_t distance(std::int32_t a, std::int32_t b) {
+    constexpr std::int64_t kMost = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(std::abs(std::int64_t{a} - b), kMost));
+}
+
 void watchLongPress(ListenerState& state, const InputRecord& record) {
     const bool watched = !state.events.touchLongPressDisabled && state.longPressArmed &&
                          state.touched && state.firstX != 0 && state.firstY != 0;
@@ -91,8 +99,7 @@ void watchLongPress(ListenerState& state, const InputRecord& record) {
         std::int32_t x, y;
     };
     const Distance gone = currentInfo.with([&state](const currentCtl& now) {
-        return Distance{std::abs(now.pointerX - state.firstX),
-                        std::abs(now.pointerY - state.firstY)};
+        return Distance{distance(now.pointerX, state.firstX), distance(now.pointerY, state.firstY)};
     });
     std::printf("mv(%d,%d)\n", gone.x, gone.y);
     if (gone.x <= kStillDistance && gone.y <= kStillDistance) {
@@ -138,6 +145,7 @@ void touchDown(ListenerState& state, const InputRecord& record) {
 void handleContact(ListenerState& state, const InputRecord& record) {
     state.events.operationEvent(kMouseButton, curIp.copy().c_str(), &record,
                                 state.touchBuffer.data());
+    state.events.buttonsHeld = state.touchBuffer[wire::kButtonsAt];
     const bool button = record.code == BTN_RIGHT || record.code == BTN_MIDDLE;
     if (record.value == 1 && !button) {
         touchDown(state, record);
@@ -187,7 +195,7 @@ bool servePanel(ListenerState& state, std::size_t slot) {
 bool serveTouch(ListenerState& state) {
     const InputDeviceList& panels = state.events.touchDevices;
     for (std::size_t i = 0; i < panels.count; ++i) {
-        if (panels.fds[i] >= 0 && FD_ISSET(panels.fds[i], &state.ready) && !servePanel(state, i)) {
+        if (state.isReady(panels.fds[i]) && !servePanel(state, i)) {
             return false;
         }
     }

@@ -52,7 +52,7 @@ std::string GetLocalIp() {
     const std::filesystem::path path = prefixedPath("/data/net.ini");
     std::error_code problem;
     const std::uintmax_t size = std::filesystem::file_size(path, problem);
-    std::string text(problem ? 0 : std::min(size, kMostBytes), '\0');
+    std::string text(problem ? 0 : static_cast<std::size_t>(std::min(size, kMostBytes)), '\0');
     if (!text.empty()) {  // opening anything but a plain file could wait
         std::ifstream file(path, std::ios::binary);
         file.read(text.data(), static_cast<std::streamsize>(text.size()));

@@ -151,8 +151,7 @@ int UDPSocket::SendTo(const void* buffer, long length) {
 
 int UDPSocket::SendTo(const char* ip, unsigned port, const void* buffer, long length) {
     in_addr address{};
-    if (ip == nullptr || buffer == nullptr || length < 0 || inet_aton(ip, &address) == 0 ||
-        address.s_addr == INADDR_ANY) {
+    if (ip == nullptr || buffer == nullptr || length < 0 || inet_aton(ip, &address) == 0) {
         return -1;
     }
     return send(descriptor_, ipv4(address.s_addr, port), buffer, length);

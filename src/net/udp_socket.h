@@ -41,9 +41,8 @@ class UDPSocket {
     int SendTo(const void* buffer, long length);
 
     /// Sends one datagram to the dotted address `ip`, UDP port `port` (its low 16 bits). Returns
-    /// the byte count, or -1; -1 without a system call for a null argument, a negative length, a
-    /// text that is no address, and 0.0.0.0, which means nobody. Touches nothing but the
-    /// descriptor.
+    /// the byte count, or -1; -1 without a system call for a null argument, a negative length and a
+    /// text that is no address. Touches nothing but the descriptor.
     int SendTo(const char* ip, unsigned port, const void* buffer, long length);
 
     /// Prints `buffer` as text, up to its first NUL or `length`, and sends all of it to the peer.

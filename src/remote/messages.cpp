@@ -63,7 +63,7 @@ void sendParked(const AddressText& ip, std::uint8_t* buf) {
     wire::put16(buf, wire::kXAt, XRIGHT / 2);
     wire::put16(buf, wire::kYAt, YDOWN);
     if (is_wheel == 0) {
-        sendUnchecked(ip, {buf, wire::Absolute{}.size()});
+        sendUnchecked(ip, boxPort(), {buf, wire::Absolute{}.size()});
     }
     is_wheel = 0;
 }

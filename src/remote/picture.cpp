@@ -80,12 +80,8 @@ void applyMode(inputevent_& events, PointerMode mode, const AddressText& box) {
 /// False when control moved on to another box while the answer was under way.
 bool isStillCurrent(const BoxAnswer& answer) { return curIp.copy() == answer.box; }
 
-/// Everything of the query on selection but its closing line.
-void applySelectionAnswer(inputevent_& events, const BoxAnswer& answer) {
-    const BoxReply reply = parseBoxReply(answer.text);
-    if (!reply.width || refusesSize(reply)) {
-        return;
-    }
+/// The size that a selected box tells: taken over and remembered. A missing height counts as 0.
+void applySelectionSize(const BoxAnswer& answer, const BoxReply& reply) {
     if (reply.width->overlong || (reply.height && reply.height->overlong)) {
         XRIGHT = kDefaultWidth;
         YDOWN = kDefaultHeight;
@@ -103,12 +99,30 @@ void applySelectionAnswer(inputevent_& events, const BoxAnswer& answer) {
         });
         std::printf("save vi %s (%d,%d)\n", answer.box.c_str(), width, height);
     }
+}
+
+/// Stores the pointer mode in the box's record and returns what stood there.
+std::uint8_t rememberMode(const BoxAnswer& answer, std::uint8_t relative) {
+    const unsigned n = GetViNum(answer.box.c_str());
+    return vi_info.with(
+        [&](auto& records) { return std::exchange(records[n].relative, relative); });
+}
+
+/// Everything of the query on selection but its closing line.
+void applySelectionAnswer(inputevent_& events, const BoxAnswer& answer) {
+    const BoxReply reply = parseBoxReply(answer.text);
+    if (!reply.width) {
+        return;
+    }
+    if (!refusesSize(reply)) {
+        applySelectionSize(answer, reply);
+    }
     if (!reply.mode) {
         return;
     }
     applyMode(events, *reply.mode, answer.box);
     const std::uint8_t relative = rel_enable;
-    vi_info.with([&](auto& records) { records[n].relative = relative; });
+    rememberMode(answer, relative);
     std::printf("save %s vi rel :%d\n", answer.box.c_str(), relative);
 }
 
@@ -125,6 +139,16 @@ bool rememberSize(const BoxAnswer& answer, std::int32_t width, std::int32_t heig
         record.height = height;
         return true;
     });
+}
+
+/// The size of a periodic answer. A missing height keeps the present one.
+void applyPeriodicSize(const BoxAnswer& answer, const BoxReply& reply) {
+    const std::int32_t width = reply.width->value;
+    const std::int32_t height = reply.height ? reply.height->value : YDOWN.load();
+    applySize(width, height);
+    if (rememberSize(answer, width, height)) {
+        printSize(width, height);
+    }
 }
 
 }  // namespace
@@ -164,24 +188,18 @@ void inputevent_::TimegetChipVersion() {
     std::printf("get ip:%s port:%d input echo:%s\n", answer->sender.c_str(), answer->port,
                 answer->text.c_str());
     const BoxReply reply = parseBoxReply(answer->text);
-    if (!isStillCurrent(*answer) || !reply.width || refusesSize(reply)) {
+    if (!isStillCurrent(*answer) || !reply.width) {
         return;
     }
-    const std::int32_t width = reply.width->value;
-    const std::int32_t height = reply.height ? reply.height->value : YDOWN.load();
-    applySize(width, height);
-    if (rememberSize(*answer, width, height)) {
-        printSize(width, height);
+    if (!refusesSize(reply)) {
+        applyPeriodicSize(*answer, reply);
     }
     if (!reply.mode) {
         return;
     }
     applyMode(*this, *reply.mode, answer->box);
     const std::uint8_t relative = rel_enable;
-    const unsigned n = GetViNum(answer->box.c_str());
-    const std::uint8_t before =
-        vi_info.with([&](auto& records) { return std::exchange(records[n].relative, relative); });
-    if (before != relative) {
+    if (rememberMode(*answer, relative) != relative) {
         std::printf("get %s vi rel :%d\n", answer->box.c_str(), relative);
     }
 }

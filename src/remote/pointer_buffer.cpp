@@ -2,8 +2,6 @@
 
 #include <linux/input-event-codes.h>
 
-#include "net/udp_socket.h"
-#include "remote/send.h"
 #include "remote/wire.h"
 
 void preparePosition(inputevent_& events, const InputRecord* ev, std::uint8_t* buf) {
@@ -32,11 +30,4 @@ void applyMouseButton(std::uint16_t code, std::int32_t value, std::uint8_t& butt
 
 void applyContactButton(std::uint16_t code, std::int32_t value, std::uint8_t& buttons) {
     applyMouseButton(code == BTN_TOUCH ? BTN_LEFT : code, value, buttons);
-}
-
-void sendUnchecked(const AddressText& ip, std::span<const std::uint8_t> bytes) {
-    if (UDPSocket* socket = InputSocket) {
-        socket->SendTo(ip.c_str(), static_cast<unsigned>(boxPort()), bytes.data(),
-                       static_cast<long>(bytes.size()));
-    }
 }

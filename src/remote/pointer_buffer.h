@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
 #include "app/base/inputevent.h"
 
@@ -17,6 +16,3 @@ void applyMouseButton(std::uint16_t code, std::int32_t value, std::uint8_t& butt
 
 /// As applyMouseButton, and a touch contact (BTN_TOUCH) counts as the left button.
 void applyContactButton(std::uint16_t code, std::int32_t value, std::uint8_t& buttons);
-
-/// Sends through InputSocket without looking at the address.
-void sendUnchecked(const AddressText& ip, std::span<const std::uint8_t> bytes);

@@ -54,18 +54,17 @@ unsigned currentInKey() {
         [](const currentCtl& current) { return gridKey(current.cellX, current.cellY); });
 }
 
-void get_in_port(const char* name) {
+int get_in_port(const char* name) {
     const char* hyphen = std::strchr(name, '-');
     if (hyphen == nullptr) {
-        return;
+        return port_add;
     }
     const std::int32_t offset = str2int(hyphen + 1);
     if (offset < 0 || offset > kMaxPort) {
         std::printf("no port offset in %s\n", name);
-        port_add = 0;
-        return;
+        return port_add = 0;
     }
-    port_add = offset;
+    return port_add = offset;
 }
 
 int inputevent_::GetCurInip(unsigned inKey, AddressText& ipOut) {

@@ -20,5 +20,5 @@ void bringBoxUpToDate(inputevent_& events);
 void queryBox(inputevent_& events);
 
 /// If `name` holds "-": stores the decimal number after the first one in port_add. A number that is
-/// no port offset (0 to 65535) counts as 0, with one line.
-void get_in_port(const char* name);
+/// no port offset (0 to 65535) counts as 0, with one line. Returns port_add.
+int get_in_port(const char* name);

@@ -7,7 +7,7 @@ namespace {
 
 void sendThrough(UDPSocket* socket, const AddressText& ip, int port,
                  std::span<const std::uint8_t> bytes) {
-    if (socket == nullptr || ip.isNone()) {
+    if (socket == nullptr) {
         return;
     }
     socket->SendTo(ip.c_str(), static_cast<unsigned>(port), bytes.data(),
@@ -19,6 +19,12 @@ void sendThrough(UDPSocket* socket, const AddressText& ip, int port,
 int boxPort() { return inputPort + port_add; }
 
 void sendToBox(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {
+    if (!ip.isNone()) {
+        sendThrough(InputSocket, ip, port, bytes);
+    }
+}
+
+void sendUnchecked(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {
     sendThrough(InputSocket, ip, port, bytes);
 }
 
@@ -27,5 +33,7 @@ void sendToCurrentBox(std::span<const std::uint8_t> bytes) {
 }
 
 void sendToOsd(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {
-    sendThrough(KvmSetSocket, ip, port, bytes);
+    if (!ip.isNone()) {
+        sendThrough(KvmSetSocket, ip, port, bytes);
+    }
 }

@@ -16,6 +16,9 @@ int boxPort();
 /// Sends through InputSocket.
 void sendToBox(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
 
+/// Sends through InputSocket even to "0.0.0.0", which the kernel takes for this machine.
+void sendUnchecked(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
+
 /// Sends through InputSocket to curIp at the current box's port.
 void sendToCurrentBox(std::span<const std::uint8_t> bytes);
 

@@ -6,30 +6,19 @@ namespace {
 
 class VirtualBoard : public Console {};
 
-TEST_F(VirtualBoard, ADeadNodeDoesNotAnswerAndALivingOneDoes) {
-    plan.devices.push_back({rig::Kind::kDead, 2, ""});
+TEST_F(VirtualBoard, ReadsTheRunningProgram) {
     start();
-    expectNothing();
-    EXPECT_THAT(daemon().lines(), testing::Contains("get real mouse event 1, keyboard evnet 1"));
+    EXPECT_TRUE(daemon().running());
     EXPECT_GE(daemon().threads(), 4);
     EXPECT_GT(daemon().descriptors(), 3);
-    EXPECT_GT(daemon().peakMemoryKiB(), 0);
+    EXPECT_GT(daemon().peakMemoryKiB(), 100);
     EXPECT_GE(daemon().cpuSeconds(), 0);
-    board().key(kKeyboard, KEY_A, true);
-    expectReport(kFirstBox, "key down A");
 }
 
-TEST_F(VirtualBoard, AKeyboardThatComesBackIsServedAgain) {
+TEST_F(VirtualBoard, ANodeThatIsGoneTakesNoRecord) {
     start();
     board().unplugAll();
-    expectLine("input thread cancel");
-    EXPECT_FALSE(board().key(kKeyboard, KEY_A, true)) << "nobody can read a node that is gone";
-    board().plugKeyboard(3);
-    board().plugMouse(4);
-    expectLine("======>start listenInput<======");
-    expectReport(kFirstBox, "lights caps off num off");
-    board().key(3, KEY_B, true);
-    expectReport(kFirstBox, "key down B");
+    EXPECT_FALSE(board().key(kKeyboard, KEY_A, true));
     expectNothing();
 }
 

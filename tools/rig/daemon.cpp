@@ -23,13 +23,13 @@ constexpr std::size_t kMostLines = 50000;
 constexpr std::size_t kLongestLine = 65536;
 
 /// In the child: nothing but calls that are safe after a fork of a threaded process.
-[[noreturn]] void become(const char* const* arguments, const char* work, int out, int err,
-                         pid_t parent) {
+[[noreturn]] void become(const char* const* arguments, char* const* environment, const char* work,
+                         int out, int err, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const int nothing = open("/dev/null", O_RDONLY);
     if (getppid() == parent && chdir(work) == 0 && dup2(nothing, 0) == 0 && dup2(out, 1) == 1 &&
         dup2(err, 2) == 2) {
-        execv(arguments[0], const_cast<char* const*>(arguments));
+        execve(arguments[0], const_cast<char* const*>(arguments), environment);
     }
     constexpr std::string_view kText = "cannot start the daemon's program\n";
     (void)!write(err, kText.data(), kText.size());
@@ -43,9 +43,16 @@ std::string Daemon::programPath() {
     return chosen != nullptr ? chosen : TAVRIK_BIN;
 }
 
-Daemon::Daemon(const fs::path& root, const fs::path& work, Observer observer)
+std::string Daemon::virtualProgramPath() {
+    const char* chosen = std::getenv("TAVRIK_VIRTUAL_BIN");
+    return chosen != nullptr ? chosen : TAVRIK_VIRTUAL_BIN;
+}
+
+fs::path Daemon::clockFile(const fs::path& root) { return root / "clock"; }
+
+Daemon::Daemon(const fs::path& root, const fs::path& work, Observer observer, bool virtualClock)
     : observer_(std::move(observer)) {
-    launch(root, work);
+    launch(root, work, virtualClock);
     reader_ = std::thread(&Daemon::readAll, this);
 }
 
@@ -57,18 +64,26 @@ Daemon::~Daemon() {
     waitpid(pid_, nullptr, 0);
 }
 
-void Daemon::launch(const fs::path& root, const fs::path& work) {
+void Daemon::launch(const fs::path& root, const fs::path& work, bool virtualClock) {
     std::array<int, 2> out{};
     std::array<int, 2> err{};
     if (pipe2(out.data(), O_CLOEXEC) != 0 || pipe2(err.data(), O_CLOEXEC) != 0) {
         throw std::system_error(errno, std::generic_category(), "pipe");
     }
-    const std::string program = fs::absolute(programPath()).string();
+    const std::string program =
+        fs::absolute(virtualClock ? virtualProgramPath() : programPath()).string();
+    std::string clock = "TAVRIK_CLOCK=" + clockFile(root).string();
+    std::vector<char*> variables;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        variables.push_back(*entry);
+    }
+    variables.push_back(clock.data());
+    variables.push_back(nullptr);
     const std::array<const char*, 4> arguments{program.c_str(), "--root", root.c_str(), nullptr};
     const pid_t parent = getpid();
     pid_ = fork();
     if (pid_ == 0) {
-        become(arguments.data(), work.c_str(), out[1], err[1], parent);
+        become(arguments.data(), variables.data(), work.c_str(), out[1], err[1], parent);
     }
     if (pid_ < 0) {
         throw std::system_error(errno, std::generic_category(), "fork");

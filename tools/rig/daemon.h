@@ -18,8 +18,9 @@
 
 namespace rig {
 
-/// The daemon's program, started on a board and watched from outside. It dies with this object, or
-/// with the process that made it. Any thread may call any member.
+/// The daemon's program, or the one whose clock a test sets (tavrik-virtual), started on a board
+/// and watched from outside. It dies with this object, or with the process that made it. Any thread
+/// may call any member.
 class Daemon {
  public:
     /// Called on the reading thread for every line, without its line end.
@@ -29,13 +30,18 @@ class Daemon {
     /// Starts the program at programPath() with `--root` and the working directory `work`. Throws
     /// std::system_error when that fails.
     Daemon(const std::filesystem::path& root, const std::filesystem::path& work,
-           Observer observer = {});
+           Observer observer = {}, bool virtualClock = false);
     ~Daemon();
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
 
     /// The environment variable TAVRIK_BIN, or the program of this build.
     static std::string programPath();
+    /// Likewise TAVRIK_VIRTUAL_BIN, for the program with the virtual clock.
+    static std::string virtualProgramPath();
+
+    /// The file from which a virtual clock is read: "seconds microseconds speed".
+    static std::filesystem::path clockFile(const std::filesystem::path& root);
 
     /// Waits for the next line of standard output that fits, and goes on after it: lines up to and
     /// including it are not seen by later calls. Nothing when `limit` passes first or the program
@@ -67,7 +73,8 @@ class Daemon {
         std::size_t dropped = 0;        ///< lines that went
     };
 
-    void launch(const std::filesystem::path& root, const std::filesystem::path& work);
+    void launch(const std::filesystem::path& root, const std::filesystem::path& work,
+                bool virtualClock);
     void readAll();
     bool readSome(Stream& stream);
     void endLine(Stream& stream);

@@ -8,8 +8,8 @@
 
 #include "rig/world.h"
 
-/// Golden scripts: what goes in and what must come out, one step a line. README.md beside the
-/// scripts of tests/console describes them for their writers.
+/// Golden scripts: what goes in and what must come out, one step a line.
+/// tests/console/scripts/README.md describes them for their writers.
 namespace rig {
 
 struct ScriptEvent {

@@ -10,7 +10,8 @@ constexpr Milliseconds kSilence{100};
 constexpr std::size_t kMostFaults = 5;
 constexpr const char* kDaemonAddress = "127.0.0.1";
 
-/// Plays the steps; the records' time starts at 1000 s and moves with the pauses alone.
+/// Plays the steps; the time of the records, and of a daemon with a virtual clock, starts at 1000 s
+/// and moves with the pauses alone.
 class Player {
  public:
     Player(const Script& script, World& world) : script_(script), world_(world) {}
@@ -46,6 +47,7 @@ std::uint16_t portOf(const std::string& text) {
 }
 
 std::vector<std::string> Player::play() {
+    world_.setTime(now_);
     for (const Step& step : script_.steps) {
         run(step);
         if (faults_.size() >= kMostFaults) {
@@ -101,6 +103,7 @@ void Player::pause(const Step& step) {
     const std::int64_t total =
         now_.seconds * kMicro + now_.microseconds + std::chrono::microseconds(step.pause).count();
     now_ = {static_cast<std::int32_t>(total / kMicro), static_cast<std::int32_t>(total % kMicro)};
+    world_.setTime(now_);
     if (!script_.quick) {
         std::this_thread::sleep_for(step.pause);
     }

@@ -115,6 +115,13 @@ void World::plug(const PlannedDevice& device) {
     }
 }
 
+void World::setTime(const Stamp& time, int speed) const {
+    const auto file = Daemon::clockFile(board.root());
+    board.write("clock.next", std::to_string(time.seconds) + " " +
+                                  std::to_string(time.microseconds) + " " + std::to_string(speed));
+    std::filesystem::rename(board.root() / "clock.next", file);
+}
+
 void World::openBoxes(const Observer& observer) {
     struct Ports {
         std::vector<Endpoint> ends;
@@ -162,7 +169,7 @@ std::optional<std::string> World::start(Daemon::Observer lines) {
     for (int attempt = 1;; ++attempt) {
         daemon_.reset();
         clear();
-        daemon_ = std::make_unique<Daemon>(board.root(), board.work(), lines);
+        daemon_ = std::make_unique<Daemon>(board.root(), board.work(), lines, plan_.virtualClock);
         const auto selected = daemon_->waitForLine(
             [](std::string_view line) { return line.starts_with("get(0x"); }, kStartLimit);
         if (!selected) {

@@ -36,6 +36,7 @@ struct Plan {
     std::vector<PlannedBox> boxes;  ///< besides those that stand in the wall
     std::vector<std::string> users;
     std::map<std::string, std::string> settings;
+    bool virtualClock = false;  ///< the daemon's clock is what setTime says
 };
 
 inline constexpr const char* kUsualAnswer = "vi_w=1920&vi_h=1080&kvm=abs";
@@ -59,6 +60,10 @@ class World {
     std::optional<std::string> start(Daemon::Observer lines = {});
 
     void plug(const PlannedDevice& device);
+
+    /// What a daemon with a virtual clock takes for the time of day, and by what every sleep of its
+    /// own is divided.
+    void setTime(const Stamp& time, int speed = 1) const;
 
     Board board;
     Box& box(const std::string& address);  ///< throws std::out_of_range when there is none

@@ -12,6 +12,7 @@ pthread_t CreateThread(void* (*start)(void*), int priority, int policy, int deta
         pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
     }
     pthread_t thread = 0;
+    // NOLINTNEXTLINE(bugprone-posix-return): the negative result is the contract
     if (pthread_create(&thread, &attributes, start, argument) < 0) {
         return 0;
     }

@@ -120,8 +120,8 @@ TEST(UDPSocket, TakenPortIsABindErrorThatLeavesTheSocketUsable) {
 
 TEST(UDPSocket, NothingIsSentToWhatIsNoAddress) {
     Open a;
-    for (const char* ip : {"", "0.0.0.0", "kEth0Ip", "127.0.0.", "127.0.0.256", "127.0.0.1-8000",
-                           " 127.0.0.1", "x"}) {
+    for (const char* ip :
+         {"", "kEth0Ip", "127.0.0.", "127.0.0.256", "127.0.0.1-8000", " 127.0.0.1", "x"}) {
         errno = 0;
         EXPECT_EQ(a.socket.SendTo(ip, a.port, "x", 1), -1) << "to '" << ip << "'";
         EXPECT_EQ(errno, 0) << "the kernel was asked to send to '" << ip << "'";

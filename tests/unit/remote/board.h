@@ -46,25 +46,25 @@ inline std::string printedBy(const std::function<void()>& action) {
 /// A loopback address that no other process of the test run uses, for ports that are fixed.
 inline std::string ownAddress() {
     const auto pid = static_cast<unsigned>(getpid());
-    return "127." + std::to_string(64 + (pid >> 16) % 64) + "." +
-           std::to_string((pid >> 8) % 256) + "." + std::to_string(pid % 256);
+    return "127." + std::to_string(64 + (pid >> 16) % 64) + "." + std::to_string((pid >> 8) % 256) +
+           "." + std::to_string(pid % 256);
 }
 
 /// A receiving socket in place of a box. Loopback delivers at once, so nothing here ever waits.
 class Box {
  public:
-    explicit Box(std::string address, int port = 0)
+    explicit Box(std::string address, int at = 0)
         : ip(std::move(address)), fd_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
         sockaddr_in own{};
         own.sin_family = AF_INET;
         own.sin_addr.s_addr = inet_addr(ip.c_str());
-        own.sin_port = htons(static_cast<std::uint16_t>(port));
+        own.sin_port = htons(static_cast<std::uint16_t>(at));
         socklen_t size = sizeof own;
         if (bind(fd_, reinterpret_cast<sockaddr*>(&own), size) != 0 ||
             getsockname(fd_, reinterpret_cast<sockaddr*>(&own), &size) != 0) {
-            throw std::runtime_error("cannot bind " + ip + " port " + std::to_string(port));
+            throw std::runtime_error("cannot bind " + ip + " port " + std::to_string(at));
         }
-        this->port = ntohs(own.sin_port);
+        port = ntohs(own.sin_port);
     }
     ~Box() { close(fd_); }
     Box(const Box&) = delete;
@@ -82,10 +82,10 @@ class Box {
         const std::string got = text();
         return got == "nothing" ? got : hex(got);
     }
-    /// Answers the sender of the last datagram taken.
-    void answer(const std::string& reply) {
-        sendto(fd_, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr*>(&sender_),
-               sizeof sender_);
+    /// Answers the sender of the last datagram that `asked` took.
+    void answer(const std::string& reply, const Box& asked) const {
+        sendto(fd_, reply.data(), reply.size(), 0,
+               reinterpret_cast<const sockaddr*>(&asked.sender_), sizeof asked.sender_);
     }
     /// The name that leads both reports and queries here while inputPort is 80.
     std::string name() const { return ip + "-" + std::to_string(port - 80); }

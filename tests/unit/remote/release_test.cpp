@@ -83,9 +83,9 @@ TEST_F(Release, MouseToSelectsTheFirstCellOfTheScreen) {
     control(box);
     placePointer(7, 7);
     for (const auto& [x, y] : {std::pair{-1, 0}, {3, 0}, {0, -1}, {0, 1}}) {
-        EXPECT_EQ(printedBy([&, x = x, y = y] { EXPECT_EQ(events.MouseTo(x, y), 0); }),
-                  "mouset to location error->(" + std::to_string(x) + "," + std::to_string(y) +
-                      ")\n");
+        EXPECT_EQ(
+            printedBy([&, x = x, y = y] { EXPECT_EQ(events.MouseTo(x, y), 0); }),
+            "mouset to location error->(" + std::to_string(x) + "," + std::to_string(y) + ")\n");
         EXPECT_EQ(box.bytes(), "57 ab 04 01 00 80 07 00 00 00") << "released all the same";
         EXPECT_EQ(box.bytes(), kKeysUp);
     }

@@ -1,0 +1,164 @@
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+
+#include "checks.h"
+
+/// The daemon on a real kernel: start, keys, pointer, lights.
+
+namespace {
+
+constexpr const char* kBox = "127.0.0.31";
+
+/// The little-endian word at `offset` of a file.
+std::uint32_t wordAt(const std::string& path, long offset) {
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(offset);
+    std::uint32_t word = 0;
+    file.read(reinterpret_cast<char*>(&word), sizeof(word));
+    return file ? word : 0xFFFFFFFF;
+}
+
+/// What the start-up of board A leaves in its registers, seen from outside. The file lies in the
+/// machine at 0x10000000.
+void checkRegisters(Checks& checks, const std::string& registers) {
+    constexpr long kBase = 0x10000000;
+    checks.equal("board A: register 0x120F0170 ends at 1", std::to_string(1U),
+                 std::to_string(wordAt(registers, 0x120F0170 - kBase)));
+    checks.equal("board A: bit 3 of 0x12220400 is set, the rest is kept", std::to_string(0x5AU),
+                 std::to_string(wordAt(registers, 0x12220400 - kBase)));
+    checks.equal("board A: bit 3 of 0x12220020 is cleared, the rest is kept", std::to_string(0xF0U),
+                 std::to_string(wordAt(registers, 0x12220020 - kBase)));
+}
+
+void prepareRegisters(const std::string& registers) {
+    constexpr long kBase = 0x10000000;
+    std::fstream file(registers, std::ios::binary | std::ios::in | std::ios::out);
+    const auto put = [&file](long address, char value) {
+        file.seekp(address - kBase);
+        file.put(value);
+    };
+    put(0x120F0170, 0x77);
+    put(0x12220400, 0x52);
+    put(0x12220020, static_cast<char>(0xF8));
+}
+
+}  // namespace
+
+void checkStart(Console& console, const std::string& registers) {
+    Machine& machine = console.machine;
+    const char* board = registers.empty() ? "BOARDB0002_002_R1" : "BOARDA00001_0001_R1";
+    if (!registers.empty()) {
+        prepareRegisters(registers);
+    }
+    machine.shell("until grep -q Mouse /proc/bus/input/devices; do usleep 10000; done");
+    const std::string names = machine.shell("grep Name= /proc/bus/input/devices");
+    std::printf("%s\n", names.c_str());
+    console.checks.isTrue("a real keyboard and a real mouse are listed",
+                          names.find("USB Keyboard") != std::string::npos &&
+                              names.find("USB Mouse") != std::string::npos);
+    machine.shell(std::string("echo '{\"board\": \"") + board + "\"}' >/version/hardware_info");
+    machine.shell("echo kEth0Ip=127.0.0.1 >/data/net.ini");
+    // Loading stops at the first key that is missing, so every fixed one is there.
+    machine.shell(
+        "printf '%s=\\n' kUdpServerPort kActKeyEvent kHotkeymap kHotCmd0 kHotCmd1 kHotCmd2"
+        " >/data/tav_rik.ini");
+    machine.shell(std::string("printf 'kOutNum=1\\nkOutIpmap0=0,0,127.0.0.1#0,0,") + kBox +
+                  "\\n' >>/data/tav_rik.ini");
+    machine.start(std::string("mkfifo /tmp/answer; exec 3<>/tmp/answer; tavrik-target-guest box ") +
+                  kBox + " <&3 &");
+    machine.start("echo 'vi_w=1920&vi_h=1080&kvm=abs&' >&3");
+    machine.await("box answers");
+    machine.start("cd /data; /usr/sbin/tavrik & daemon=$!");
+    const std::string version = machine.await("version:BOARD");
+    console.checks.equal("the board is known", std::string("version:") + board, version);
+    console.checks.isTrue("devices that do not answer are dropped",
+                          !machine.await("get real mouse event 1, keyboard evnet 1").empty(),
+                          machine.shell("grep -c kbd /proc/bus/input/devices") +
+                              " keyboard lines in the listing, 1 real keyboard");
+    console.checks.isTrue("the daemon listens", console.awaitListening());
+    if (!registers.empty()) {
+        checkRegisters(console.checks, registers);
+    }
+    machine.skip();
+}
+
+void checkRecords(Console& console) {
+    Machine& machine = console.machine;
+    machine.start(
+        "node=$(grep -A 4 'USB Keyboard' /proc/bus/input/devices | grep -o 'event[0-9]*')");
+    machine.start("tavrik-target-guest records /dev/input/$node &");
+    machine.await("records wait");
+    machine.key("z", true);
+    // Scan code (4), key (1), end of report (0).
+    console.checks.equal(
+        "a press as the kernel gives it",
+        console.arm ? "records of 16 bytes, read 48: 4 1 0" : "records of 24 bytes, read 72: 4 1 0",
+        machine.await("records of"));
+    machine.key("z", false);
+    console.expectBox("and as the box gets it", {"key down Z", "keys up"});
+}
+
+void checkKeys(Console& console) {
+    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::vector<std::string> expected;
+    for (const char letter : kLetters) {
+        console.tap(std::string(1, letter));
+        expected.push_back(std::string("key down ") +
+                           (letter >= 'a' ? static_cast<char>(letter - 'a' + 'A') : letter));
+        expected.emplace_back("keys up");
+    }
+    console.expectBox("letters and digits, typed at once", expected);
+    console.machine.key("shift", true);
+    console.tap("a");
+    console.machine.key("shift", false);
+    console.expectBox("a key with Shift", {"modifiers LEFTSHIFT", "key down LEFTSHIFT+A",
+                                           "modifiers LEFTSHIFT", "keys up"});
+    console.machine.key("a", true);
+    console.machine.key("b", true);
+    console.machine.key("a", false);
+    console.machine.key("b", false);
+    console.expectBox("two keys at once", {"key down A", "key down A B", "key down B", "keys up"});
+}
+
+void checkPointer(Console& console) {
+    Machine& machine = console.machine;
+    machine.move(40, 30);
+    machine.move(-10, 5);
+    console.expectBox("movement", {"pointer 40,30 buttons none", "pointer 30,35 buttons none"});
+    machine.button("left", true);
+    machine.button("left", false);
+    // Once for the button, once for the end of the kernel's report.
+    console.expectBox("a click", {"pointer 30,35 buttons left", "pointer 30,35 buttons left",
+                                  "pointer 30,35 buttons none", "pointer 30,35 buttons none"});
+    machine.button("right", true);
+    machine.button("right", false);
+    console.expectBox("the right button",
+                      {"pointer 30,35 buttons right", "pointer 30,35 buttons right",
+                       "pointer 30,35 buttons none", "pointer 30,35 buttons none"});
+    machine.button("wheel-up", true);
+    machine.button("wheel-up", false);
+    console.expectBox("a wheel step up",
+                      {"pointer 30,35 buttons none wheel 1", "pointer 30,35 buttons none"});
+    machine.button("wheel-down", true);
+    machine.button("wheel-down", false);
+    console.expectBox("a wheel step down",
+                      {"pointer 30,35 buttons none wheel -1", "pointer 30,35 buttons none"});
+}
+
+void checkLights(Console& console) {
+    struct Row {
+        const char *key, *name, *lights;
+    };
+    constexpr Row kRows[] = {{"caps_lock", "CAPSLOCK", "lights caps on num off"},
+                             {"num_lock", "NUMLOCK", "lights caps on num on"},
+                             {"caps_lock", "CAPSLOCK", "lights caps off num on"},
+                             {"num_lock", "NUMLOCK", "lights caps off num off"}};
+    for (const Row& row : kRows) {
+        console.tap(row.key);
+        console.expectBox(std::string("the keyboard's own lights after ") + row.name,
+                          {std::string("key down ") + row.name, "keys up", row.lights});
+    }
+    console.checks.equal("the kernel says the same of its lights", "0",
+                         console.machine.shell("cat /sys/class/leds/*::capslock/brightness"));
+}

@@ -1,0 +1,182 @@
+#include <cstdio>
+#include <cstdlib>
+
+#include "checks.h"
+
+/// Devices that come and go, boxes and panels of other kinds, and what a long day costs.
+
+namespace {
+
+struct PanelRow {
+    const char* name;
+    const char*
+        kind;  ///< "touch", or "buttons" for one that the kernel takes for a joystick as well
+    int maxX, maxY;
+    const char* line;      ///< the daemon's line
+    const char* touch;     ///< what the box gets of a touch at a quarter of each axis
+    const char* released;  ///< and of its release
+};
+
+/// The second Siliconworks range is that of a restart; its positions have an offset.
+constexpr PanelRow kPanels[] = {
+    {"ILITEK ILITEK-TP", "touch", 16384, 16384, "get new touch event-->event",
+     "pointer 480,270 buttons left", "pointer 480,270 buttons none"},
+    {"ILITEK Multi-Touch-V3000", "buttons", 16384, 9600, "get touch event-->event",
+     "pointer 480,270 buttons left", "pointer 480,270 buttons none"},
+    {"ILITEK Multi-Touch-V5000", "touch", 16384, 9600, "get V5000 systerm old touch event-->event",
+     "pointer 480,270 buttons left", "pointer 480,270 buttons none"},
+    {"Melfas LGDisplay", "touch", 4080, 4080, "get LG systerm old touch event-->event",
+     "pointer 480,270 buttons left", "pointer 480,270 buttons none"},
+    {"Siliconworks", "touch", 32446, 32173, "get Siw systerm  touch event-->event",
+     "pointer 469,259 buttons left", "pointer 469,259 buttons none"},
+    {"Unnamed Panel", "buttons", 1000, 2000, "get touch event-->event",
+     "pointer 480,270 buttons left", "pointer 480,270 buttons none"},
+};
+
+bool plugPanel(Console& console, const PanelRow& row) {
+    console.machine.start("mkfifo /tmp/panel 2>/dev/null; exec 4<>/tmp/panel");
+    console.machine.start("tavrik-target-guest panel " + std::string(row.kind) + ' ' +
+                          std::to_string(row.maxX) + ' ' + std::to_string(row.maxY) + " '" +
+                          row.name + "' <&4 & panel=$!");
+    const std::string line = console.machine.await(row.line);
+    console.checks.isTrue(std::string("panel ") + row.name, !line.empty(), line);
+    return console.awaitListening();
+}
+
+bool pullPanel(Console& console) {
+    console.machine.start("kill $panel");
+    return console.awaitListening();
+}
+
+void sendToPanel(Console& console, const std::string& line) {
+    console.machine.start("echo " + line + " >&4");
+}
+
+/// The kernel passes on no position that has not changed: a long press shows with the finger's next
+/// small movement.
+void checkLongPress(Console& console) {
+    const int x = 8192;
+    sendToPanel(console, "down " + std::to_string(x) + " 8192");
+    console.expectBox("a finger put down", {"pointer 960,540 buttons left"});
+    console.machine.shell("usleep 600000");
+    sendToPanel(console, "move " + std::to_string(x + 9) + " 8192");
+    console.expectBox("and held still gives a right click",
+                      {"pointer 961,540 buttons right", "pointer 961,540 buttons none",
+                       "pointer 961,540 buttons none"});
+    sendToPanel(console, "up");
+    console.expectBox("before it is lifted", {"pointer 961,540 buttons none"});
+}
+
+double processorTicks(Console& console) {
+    return std::atof(console.machine.shell("awk '{print $14 + $15}' /proc/$daemon/stat").c_str());
+}
+
+}  // namespace
+
+void checkHotPlug(Console& console) {
+    Machine& machine = console.machine;
+    machine.unplug("mouse0");
+    console.checks.isTrue("the mouse is pulled", console.awaitListening());
+    machine.plug("usb-mouse", "mouse0");
+    console.checks.isTrue("the mouse is plugged in again", console.awaitListening());
+    machine.skip();
+    machine.move(5, 5);
+    const auto report = machine.take("box 80 ", 1);
+    console.checks.isTrue("and moves the pointer",
+                          report.size() == 1 && report[0].starts_with("pointer "));
+}
+
+void checkPulledWhileHeld(Console& console) {
+    Machine& machine = console.machine;
+    machine.key("b", true);
+    console.expectBox("a key is held", {"key down B"});
+    machine.unplug("kbd0");
+    console.expectBox("while its keyboard is pulled: the box gets its release", {"keys up"});
+    machine.await("======>start listenInput<======");
+    machine.button("left", true);
+    machine.await("end get input info");
+    machine.skip();
+    machine.unplug("mouse0");
+    const auto released = machine.take("box 80 pointer ", 1);
+    console.checks.isTrue(
+        "a held button is released when its mouse is pulled",
+        released.size() == 1 && released[0].find("buttons none") != std::string::npos,
+        released.empty() ? "nothing" : released[0]);
+    machine.plug("usb-kbd", "kbd0");
+    machine.plug("usb-mouse", "mouse0");
+    console.checks.isTrue("both are back",
+                          !machine.await("get real mouse event 1, keyboard evnet 1").empty() &&
+                              console.awaitListening());
+    machine.key("b", false);
+    machine.button("left", false);
+    machine.skip();
+    console.tap("c");
+    console.expectBox("the next key", {"key down C", "keys up"});
+}
+
+void checkRelativeBox(Console& console) {
+    Machine& machine = console.machine;
+    machine.start("echo 'vi_w=1280&vi_h=1024&kvm=rel&' >&3");
+    console.checks.isTrue("the box turns to relative reports",
+                          !machine.await("this input chip relation").empty());
+    machine.shell("true");
+    machine.skip();
+    machine.move(7, -3);
+    console.expectBox("movement as such", {"motion +7,-3 buttons none"});
+    machine.start("echo 'vi_w=1920&vi_h=1080&kvm=abs&' >&3");
+    console.checks.isTrue("and back", !machine.await("this input chip abslation").empty());
+}
+
+void checkPanels(Console& console) {
+    for (const PanelRow& row : kPanels) {
+        console.checks.isTrue("  is read", plugPanel(console, row));
+        console.machine.skip();
+        sendToPanel(console,
+                    "down " + std::to_string(row.maxX / 4) + ' ' + std::to_string(row.maxY / 4));
+        console.expectBox("  a touch", {row.touch});
+        sendToPanel(console, "up");
+        console.expectBox("  its end", {row.released});
+        if (&row == &kPanels[0]) {
+            console.machine.shell("usleep 400000");
+            checkLongPress(console);
+        }
+        console.checks.isTrue("  is pulled", pullPanel(console));
+    }
+}
+
+void checkEndurance(Console& console) {
+    Machine& machine = console.machine;
+    for (int i = 0; i < 20; ++i) {
+        machine.plug("usb-mouse", "quick");
+        machine.unplug("quick");
+    }
+    console.checks.isTrue("20 hot plugs in a row", console.awaitListening());
+    machine.shell("sleep 3");
+    machine.skip();
+    console.tap("d");
+    console.expectBox("  the next key", {"key down D", "keys up"});
+    const double descriptors = console.descriptors();
+    const double threads = console.status("Threads");
+    const double memory = console.status("VmRSS");
+    int listened = 0;
+    for (int i = 0; i < 50; ++i) {
+        machine.plug("usb-kbd", "kbd1");
+        listened += console.awaitListening() ? 1 : 0;
+        machine.unplug("kbd1");
+        listened += console.awaitListening() ? 1 : 0;
+    }
+    console.checks.equal("100 restarts of the input thread", std::to_string(100),
+                         std::to_string(listened));
+    machine.skip();
+    console.tap("e");
+    console.expectBox("  the next key", {"key down E", "keys up"});
+    console.checks.atMost("  more descriptors", console.descriptors() - descriptors, 0, "");
+    console.checks.atMost("  more threads", console.status("Threads") - threads, 0, "");
+    console.checks.atMost("  more memory", std::max(0.0, console.status("VmRSS") - memory), 0,
+                          "kB");
+    console.checks.atMost("memory at most (VmHWM)", console.status("VmHWM"), 4096, "kB");
+    const double before = processorTicks(console);
+    machine.shell("sleep 5");
+    console.checks.atMost("processor when idle", (processorTicks(console) - before) / 5.0, 5,
+                          "percent");
+}
