@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 
@@ -16,6 +17,7 @@ static bool waitForTurn() {
 }
 
 int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
     testing::InitGoogleTest(&argc, argv);
     if (!GTEST_FLAG_GET(list_tests) && !rig::enterOwnNetwork() && !waitForTurn()) {
         std::perror("console tests: lock file");

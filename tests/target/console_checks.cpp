@@ -50,6 +50,10 @@ void checkStart(Console& console, const std::string& registers) {
     const char* board = registers.empty() ? "BOARDB0002_002_R1" : "BOARDA00001_0001_R1";
     if (!registers.empty()) {
         prepareRegisters(registers);
+        // The file's memory answers once its device is switched on.
+        std::printf("%s\n", machine.shell("cd /sys/bus/pci/devices; for d in *; do grep -q 0x1110 "
+                                          "$d/device && echo 1 >$d/enable && "
+                                          "head -n 3 $d/resource; done; cd /").c_str());
     }
     machine.shell("until grep -q Mouse /proc/bus/input/devices; do usleep 10000; done");
     const std::string names = machine.shell("grep Name= /proc/bus/input/devices");
@@ -72,10 +76,10 @@ void checkStart(Console& console, const std::string& registers) {
     machine.start("cd /data; /usr/sbin/tavrik & daemon=$!");
     const std::string version = machine.await("version:BOARD");
     console.checks.equal("the board is known", std::string("version:") + board, version);
-    console.checks.isTrue("devices that do not answer are dropped",
-                          !machine.await("get real mouse event 1, keyboard evnet 1").empty(),
-                          machine.shell("grep -c kbd /proc/bus/input/devices") +
-                              " keyboard lines in the listing, 1 real keyboard");
+    const std::string real = machine.await("get real mouse event ");
+    console.checks.equal(console.arm ? "devices that do not answer (gpio-keys) are dropped"
+                                     : "the devices answer",
+                         "get real mouse event 1, keyboard evnet 1", real);
     console.checks.isTrue("the daemon listens", console.awaitListening());
     if (!registers.empty()) {
         checkRegisters(console.checks, registers);
@@ -101,14 +105,19 @@ void checkRecords(Console& console) {
 
 void checkKeys(Console& console) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    // The emulated keyboard itself keeps only 16 changes that nobody has fetched yet.
     std::vector<std::string> expected;
+    std::vector<std::string> got;
     for (const char letter : kLetters) {
         console.tap(std::string(1, letter));
-        expected.push_back(std::string("key down ") +
-                           (letter >= 'a' ? static_cast<char>(letter - 'a' + 'A') : letter));
+        const char name = letter >= 'a' ? static_cast<char>(letter - 'a' + 'A') : letter;
+        expected.push_back(std::string("key down ") + name);
         expected.emplace_back("keys up");
+        for (const std::string& report : console.machine.take("box 80 ", 2)) {
+            got.push_back(report);
+        }
     }
-    console.expectBox("letters and digits, typed at once", expected);
+    console.checks.equal("letters and digits", expected, got);
     console.machine.key("shift", true);
     console.tap("a");
     console.machine.key("shift", false);
@@ -118,7 +127,8 @@ void checkKeys(Console& console) {
     console.machine.key("b", true);
     console.machine.key("a", false);
     console.machine.key("b", false);
-    console.expectBox("two keys at once", {"key down A", "key down A B", "key down B", "keys up"});
+    console.expectBox("a key pressed while another is held",
+                      {"key down A", "key down B", "keys up", "keys up"});
 }
 
 void checkPointer(Console& console) {

@@ -26,7 +26,7 @@ std::vector<std::string> emulator(bool arm, const std::string& kernel, const std
                                            registers,
                                        "-device", "ivshmem-plain,memdev=registers"});
     } else {
-        command = {"qemu-system-x86_64", "-M", "q35", "-accel", "tcg", "-vga", "none"};
+        command = {"qemu-system-x86_64", "-M", "q35,i8042=off", "-accel", "tcg", "-vga", "none"};
     }
     const std::string serial = arm ? "ttyAMA0" : "ttyS0";
     command.insert(command.end(), {"-m", "256", "-kernel", kernel, "-initrd", initramfs, "-append",

@@ -8,6 +8,9 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <map>
+#include <string>
+#include <thread>
 
 #include "rig/terminal_keys.h"
 
@@ -17,6 +20,8 @@ namespace {
 constexpr int kKeyboard = 0;
 constexpr int kMouse = 1;
 constexpr int kLookMilliseconds = 500;
+constexpr std::uint16_t kCommandPort = 41236;
+constexpr char kPromptKey = 0x1C;  // Ctrl+backslash
 
 volatile std::sig_atomic_t g_ended = 0;
 
@@ -26,9 +31,9 @@ class RawTerminal {
  public:
     RawTerminal() {
         tcgetattr(STDIN_FILENO, &before_);
-        termios raw = before_;
-        cfmakeraw(&raw);
-        tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+        raw_ = before_;
+        cfmakeraw(&raw_);
+        tcsetattr(STDIN_FILENO, TCSANOW, &raw_);
         struct sigaction action {};
         action.sa_handler = [](int) { g_ended = 1; };
         for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
@@ -36,11 +41,23 @@ class RawTerminal {
         }
     }
     ~RawTerminal() { tcsetattr(STDIN_FILENO, TCSANOW, &before_); }
+    /// One line, typed and edited as in a shell.
+    std::string askLine(const char* prompt) const {
+        tcsetattr(STDIN_FILENO, TCSADRAIN, &before_);
+        std::fputs(prompt, stdout);
+        std::fflush(stdout);
+        std::array<char, 2048> line{};
+        const ssize_t got = read(STDIN_FILENO, line.data(), line.size());
+        tcsetattr(STDIN_FILENO, TCSADRAIN, &raw_);
+        const std::string text(line.data(), static_cast<std::size_t>(got > 0 ? got : 0));
+        return text.substr(0, text.find('\n'));
+    }
     RawTerminal(const RawTerminal&) = delete;
     RawTerminal& operator=(const RawTerminal&) = delete;
 
  private:
     termios before_{};
+    termios raw_{};
 };
 
 bool perform(const Board& board, const Typed& typed) {
@@ -69,6 +86,38 @@ bool perform(const Board& board, const Typed& typed) {
     return true;
 }
 
+/// Three quick taps of the key that `name` means; false when it means none.
+bool tapThrice(const Board& board, const std::string& name) {
+    const std::map<std::string, std::uint16_t> keys{
+        {"ctrl", KEY_LEFTCTRL}, {"alt", KEY_LEFTALT}, {"shift", KEY_LEFTSHIFT}, {"esc", KEY_ESC}};
+    const auto key = keys.find(name);
+    if (key == keys.end()) {
+        return false;
+    }
+    for (int tap = 0; tap < 3; ++tap) {
+        board.click(kKeyboard, key->second);
+        std::this_thread::sleep_for(Milliseconds{80});
+    }
+    return true;
+}
+
+/// "tap KEY", or a command for the daemon; "\n" in it stands for a line feed.
+void obey(World& world, std::string line) {
+    constexpr std::string_view kTap = "tap ";
+    if (line.starts_with(kTap)) {
+        if (!tapThrice(world.board, line.substr(kTap.size()))) {
+            show("tavrik-rig: tap ctrl, alt, shift or esc");
+        }
+        return;
+    }
+    for (std::size_t at = line.find("\\n"); at != std::string::npos; at = line.find("\\n", at)) {
+        line.replace(at, 2, "\n");
+    }
+    if (!line.empty()) {
+        world.control().send({"127.0.0.1", kCommandPort}, line);
+    }
+}
+
 void help() {
     show("A virtual console with a keyboard, a mouse and a wall of two screens, two boxes each.");
     show(
@@ -76,7 +125,12 @@ void help() {
     show("  Alt+arrows           move the pointer by 20");
     show("  Alt+Enter            left click         Alt+Backspace        right click");
     show("  Alt+PgUp, Alt+PgDn   turn the wheel     Ctrl+C               end");
-    show("Each line below is one datagram that a box received.");
+    show(
+        "  Ctrl+\\               a prompt for commands: tap ctrl (alt, shift, esc: three quick taps),");
+    show("                       hotkey&ctrl+f1, MTO:1,0, relation&0,0,127.0.0.20#1,0,127.0.0.21,");
+    show("                       details&127.0.0.20#0,0,127.0.0.32-8000, OSDSTART, OSDQUIT,");
+    show("                       [seq]\\n[control]=127.0.0.20\\nusb_link_device\\nend");
+    show("Each line below is one datagram that a box, or the OSD, received.");
 }
 
 }  // namespace
@@ -110,6 +164,10 @@ int drive(World& world, bool log) {
         const ssize_t got = read(STDIN_FILENO, input.data(), input.size());
         if (got <= 0) {
             break;
+        }
+        if (input[0] == kPromptKey) {
+            obey(world, raw.askLine("command> "));
+            continue;
         }
         for (const Typed& typed : typedKeys({input.data(), static_cast<std::size_t>(got)})) {
             if (!perform(world.board, typed)) {

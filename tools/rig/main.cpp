@@ -1,60 +1,23 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
 #include "rig/drive.h"
 #include "rig/isolation.h"
 #include "rig/script.h"
+#include "rig/tour.h"
 
 namespace {
-
-constexpr const char* kTour = R"(# A key, a combination, and the pointer with its buttons and wheel.
-KEY_A down
-box 127.0.0.31  key down A
-KEY_A up
-box 127.0.0.31  keys up
-
-KEY_LEFTSHIFT down
-box 127.0.0.31  modifiers LEFTSHIFT
-KEY_7 down
-box 127.0.0.31  key down LEFTSHIFT+7
-KEY_7 up
-box 127.0.0.31  modifiers LEFTSHIFT
-KEY_LEFTSHIFT up
-box 127.0.0.31  keys up
-
-KEY_LEFTCTRL down
-box 127.0.0.31  modifiers LEFTCTRL
-KEY_C down
-box 127.0.0.31  key down LEFTCTRL+C
-KEY_C up
-box 127.0.0.31  modifiers LEFTCTRL
-KEY_LEFTCTRL up
-box 127.0.0.31  keys up
-
-REL_X 412; REL_Y 300; SYN
-box 127.0.0.31  pointer 412,300 buttons none
-BTN_LEFT down
-box 127.0.0.31  pointer 412,300 buttons left
-REL_X 20; SYN
-box 127.0.0.31  pointer 432,300 buttons left
-BTN_LEFT up
-box 127.0.0.31  pointer 432,300 buttons none
-REL_WHEEL -1
-box 127.0.0.31  pointer 432,300 buttons none wheel -1
-SYN
-box 127.0.0.31  pointer 432,300 buttons none
-nothing
-)";
 
 void showReport(const std::string& name, const rig::Report& report) {
     rig::show(name + "  " + report.text);
 }
 
 int demo(bool log) {
-    const rig::ParsedScript parsed = rig::parseScript(kTour, "tour");
+    const rig::ParsedScript parsed = rig::parseScript(rig::kTour, "tour");
     if (!parsed.script) {
         std::fprintf(stderr, "tavrik-rig: %s\n", parsed.problem.c_str());
         return 1;
@@ -83,6 +46,7 @@ int driveByHand(bool log) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
     CLI::App app(
         "A virtual console: keyboard, mouse, and a wall of two screens with two boxes each.");
     bool log = false;

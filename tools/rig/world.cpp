@@ -98,7 +98,12 @@ World::World(const Plan& plan, Observer observer) : plan_(plan) {
     }
     openBoxes(observer);
     openRecorders(observer);
-    control_ = std::make_unique<Box>(std::vector<Endpoint>{{"127.0.0.1", 0}});
+    Box::Observer replies;
+    if (observer) {
+        replies = [observer](const Report& report) { observer("reply", report); };
+    }
+    control_ =
+        std::make_unique<Box>(std::vector<Endpoint>{{"127.0.0.1", 0}}, std::nullopt, replies);
 }
 
 void World::plug(const PlannedDevice& device) {
