@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -96,4 +97,18 @@ TEST_F(Startup, LoadsAsManyMapLinesAsTheTableHolds) {
     ASSERT_TRUE(console.waitForLine("out number-->4089", rig::Milliseconds{15000}));
     ASSERT_TRUE(console.waitForLine("======>start listenInput<======", rig::Milliseconds{15000}));
     EXPECT_EQ(board().read("data/tav_rik.ini"), settings) << "a full table is written back whole";
+}
+
+TEST_F(Startup, JoinsTheControlGroupOnEth0) {
+    // In this process's own network namespace; elsewhere there may be no such interface to make.
+    if (std::system("ip link add eth0 type veth peer name eth1 2>/dev/null && ip addr add "
+                    "192.168.77.1/24 dev eth0 && ip link set eth0 up && ip link set eth1 up") !=
+        0) {
+        GTEST_SKIP() << "no interface eth0 can be made here";
+    }
+    start();
+    EXPECT_THAT(daemon().lines(), Contains("add mlt:224.168.1.1"));
+    const rig::Box management({{"192.168.77.1", 0}});
+    ASSERT_TRUE(management.send({"224.168.1.1", 41236}, "KVMQUIT"));
+    expectLine("kvm quit");
 }

@@ -1,7 +1,7 @@
 # Shared by ./run and ./test: install what is missing, build quietly. Sourced, not run; the caller has
 # set `set -euo pipefail` and stands in the project's directory.
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libboost-dev libcli11-dev)
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev iproute2)
 
 # Installs the packages that are not there yet; touches nothing when all are.
 install_missing() {
