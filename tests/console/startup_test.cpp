@@ -1,3 +1,7 @@
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -111,4 +115,26 @@ TEST_F(Startup, JoinsTheControlGroupOnEth0) {
     const rig::Box management({{"192.168.77.1", 0}});
     ASSERT_TRUE(management.send({"224.168.1.1", 41236}, "KVMQUIT"));
     expectLine("kvm quit");
+}
+
+TEST(CommandLine, OptionsAreAnsweredInOneGo) {
+    const struct {
+        const char* arguments;
+        int status;
+        const char* begins;
+    } rows[] = {{"--version", 0, "tavrik T-0.0.0.6\n"},
+                {"--help", 0, "usage: tavrik [--root DIR]\n"},
+                {"--nonsense", 2, "tavrik: unknown option --nonsense (see --help)\n"},
+                {"extra", 2, "tavrik: unknown option extra (see --help)\n"},
+                {"--root", 2, "tavrik: --root needs a directory\n"}};
+    for (const auto& row : rows) {
+        const std::string command = rig::Daemon::programPath() + " " + row.arguments + " 2>&1";
+        std::FILE* program = popen(command.c_str(), "r");
+        ASSERT_NE(program, nullptr);
+        std::array<char, 4096> text{};
+        const std::size_t got = std::fread(text.data(), 1, text.size() - 1, program);
+        const int status = pclose(program);
+        EXPECT_EQ(WEXITSTATUS(status), row.status) << row.arguments;
+        EXPECT_THAT(std::string(text.data(), got), StartsWith(row.begins)) << row.arguments;
+    }
 }
