@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -165,6 +166,13 @@ std::optional<std::string> Daemon::waitForLine(const Predicate& fits, Millisecon
 
 std::optional<std::string> Daemon::waitForLine(std::string_view whole, Milliseconds limit) {
     return waitForLine([whole](std::string_view line) { return line == whole; }, limit);
+}
+
+bool Daemon::waitUntilPrinted(std::string_view whole, Milliseconds limit) {
+    std::unique_lock hold(guard_);
+    return changed_.wait_for(hold, limit, [&] {
+        return std::find(out_.lines.rbegin(), out_.lines.rend(), whole) != out_.lines.rend();
+    });
 }
 
 void Daemon::skipLines() {

@@ -49,6 +49,10 @@ class Daemon {
     std::optional<std::string> waitForLine(const Predicate& fits, Milliseconds limit);
     std::optional<std::string> waitForLine(std::string_view whole, Milliseconds limit);
 
+    /// Waits until the line `whole` is among those printed since the start, wherever it stands;
+    /// later calls of waitForLine see as much as before. False when `limit` passes first.
+    bool waitUntilPrinted(std::string_view whole, Milliseconds limit);
+
     /// Later calls of waitForLine see only lines that come after this moment.
     void skipLines();
 

@@ -9,6 +9,7 @@ constexpr Milliseconds kExpectLimit{3000};
 constexpr Milliseconds kSilence{100};
 constexpr std::size_t kMostFaults = 5;
 constexpr const char* kDaemonAddress = "127.0.0.1";
+constexpr std::uint16_t kCommandPort = 41236;
 
 /// Plays the steps; the time of the records, and of a daemon with a virtual clock, starts at 1000 s
 /// and moves with the pauses alone.
@@ -20,6 +21,7 @@ class Player {
 
  private:
     void run(const Step& step);
+    void settle(const Step& step);
     void emit(const Step& step);
     void pause(const Step& step);
     void expectReport(const Step& step, Box& box, const std::string& name);
@@ -31,6 +33,8 @@ class Player {
     const Script& script_;
     World& world_;
     Stamp now_{1000, 0};
+    bool settled_ = true;  ///< no command was sent since the last event
+    int marks_ = 0;
     std::vector<std::string> faults_;
 };
 
@@ -74,6 +78,7 @@ void Player::run(const Step& step) {
             return expectLine(step);
         case Step::Kind::kSend:
             world_.control().send({kDaemonAddress, portOf(step.where)}, step.text);
+            settled_ = false;
             return;
         case Step::Kind::kReply:
             return expectReport(step, world_.control(), "reply");
@@ -89,7 +94,22 @@ void Player::run(const Step& step) {
     }
 }
 
+/// A command's effect may follow its line, so an event waits until the daemon has worked off every
+/// command: it does so in order, and reports one that it does not know.
+void Player::settle(const Step& step) {
+    if (settled_) {
+        return;
+    }
+    settled_ = true;
+    const std::string mark = "settled " + std::to_string(++marks_);
+    world_.control().send({kDaemonAddress, kCommandPort}, mark);
+    if (!world_.daemon().waitUntilPrinted("recv error osd command:" + mark, kExpectLimit)) {
+        fault(step, "the commands to be worked off", "no answer");
+    }
+}
+
 void Player::emit(const Step& step) {
+    settle(step);
     for (const ScriptEvent& event : step.events) {
         if (!world_.board.emit(event.node, event.type, event.code, event.value, now_)) {
             fault(step, "event" + std::to_string(event.node) + " to take a record",
