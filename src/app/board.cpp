@@ -94,7 +94,7 @@ std::optional<std::string_view> boardIdentifierIn(std::string_view text) {
 int readHdVersion(char* out) {
     constexpr std::size_t kTextSize = 256;
     const FileText file = readFileStart(prefixedPath("/version/hardware_info"), kTextSize);
-    if (file.state == FileState::kNotOpened) {
+    if (file.state == FileState::kMissing || file.state == FileState::kUnreadable) {
         std::puts("open hardware_info error");
         return 0;
     }
@@ -104,7 +104,11 @@ int readHdVersion(char* out) {
     }
     const char* const text = file.text.c_str();
     std::printf("read hardware_info:%s\n", text);
-    const std::string_view identifier = boardIdentifierIn(text).value_or("");
+    const auto found = boardIdentifierIn(text);
+    if (!found) {
+        std::puts("no board identifier in hardware_info");
+    }
+    const std::string_view identifier = found.value_or("");
     if (identifier.size() < kBoardNameSize) {
         identifier.copy(out, identifier.size());
         out[identifier.size()] = '\0';

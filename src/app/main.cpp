@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/base/path_prefix.h"
+#include "app/log_output.h"
 #include "app/startup.h"
 #include "input/supervisor.h"
 
@@ -33,7 +34,7 @@ int parseArguments(int count, char** arguments) {
             std::printf("tavrik %s\n", kVersion);
             return 0;
         }
-        if (option == "--root" && i + 1 < count) {
+        if (option == "--root" && i + 1 < count && *arguments[i + 1] != '\0') {
             setPathPrefix(arguments[++i]);
             continue;
         }
@@ -62,7 +63,7 @@ void keepStandardDescriptors() {
 
 int main(int argc, char** argv) {
     keepStandardDescriptors();
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    guardStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
     const int status = parseArguments(argc, argv);
     if (status >= 0) {

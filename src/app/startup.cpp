@@ -30,8 +30,6 @@ constexpr int kJoinAttempts = 10;
 constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
 constexpr int kJoinable = 0;
-constexpr long kMaxPort = 65535;
-constexpr std::int32_t kDefaultPort = 80;
 
 void identifyBoard() {
     std::array<char, kBoardNameSize> identifier{};
@@ -83,7 +81,7 @@ void loadSettings(SoftwareConfig& config) {
     const long port = std::strtol(text.c_str(), nullptr, 10);
     if (port < 0 || port > kMaxPort) {
         std::printf("no UDP port in kUdpServerPort=%s\n", text.c_str());
-        inputPort = kDefaultPort;
+        inputPort = kDefaultInputPort;
         return;
     }
     inputPort = static_cast<std::int32_t>(port);
@@ -102,8 +100,9 @@ void resetAddresses() {
 }
 
 void loadWall(const SoftwareConfig& config) {
-    const long count = std::strtol(config.GetConfig(kOutNumIndex).c_str(), nullptr, 10);
-    std::printf("out number-->%d\n", static_cast<int>(count));
+    const auto count =
+        static_cast<int>(std::strtol(config.GetConfig(kOutNumIndex).c_str(), nullptr, 10));
+    std::printf("out number-->%d\n", count);
     if (count == 0) {
         return;
     }

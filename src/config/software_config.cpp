@@ -40,7 +40,7 @@ const char* problemOf(const FileText& file) {
             return "is not a regular file";
         case FileState::kUnreadable:
             return "cannot be read";
-        case FileState::kNotOpened:
+        case FileState::kMissing:
         case FileState::kRead:
             break;
     }

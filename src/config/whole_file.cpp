@@ -100,8 +100,11 @@ void syncDirectory(const std::string& directory) {
 FileText readFileStart(const std::string& path, std::size_t limit) {
     const Descriptor fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
-    if (fd < 0 || fstat(fd, &info) != 0) {
-        return {FileState::kNotOpened, {}};
+    if (fd < 0) {
+        return {errno == ENOENT ? FileState::kMissing : FileState::kUnreadable, {}};
+    }
+    if (fstat(fd, &info) != 0) {
+        return {FileState::kUnreadable, {}};
     }
     if (!S_ISREG(info.st_mode)) {
         return {FileState::kNotRegular, {}};

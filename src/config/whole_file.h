@@ -9,13 +9,13 @@
 
 enum class FileState : std::uint8_t {
     kRead,
-    kNotOpened,   ///< missing, or not to be opened for reading
+    kMissing,     ///< there is no such file
     kNotRegular,  ///< a directory, a FIFO, a device
-    kUnreadable,  ///< a read failed
+    kUnreadable,  ///< it cannot be opened, or a read failed
 };
 
 struct FileText {
-    FileState state = FileState::kNotOpened;
+    FileState state = FileState::kMissing;
     std::string text;
 };
 

@@ -20,7 +20,6 @@ constexpr std::size_t kLargestCommand = 2048;
 /// A "details" text up to this length describes one screen entry only.
 constexpr std::size_t kSingleEntryLength = 48;
 constexpr std::size_t kStatusLength = 64;
-constexpr int kMaxPort = 65535;
 constexpr std::int64_t kAfterFailureMicroseconds = 1'000'000;
 
 void reportUnknown(const std::string& text) {
@@ -96,8 +95,13 @@ void CommandChannel::relation(const std::string& text) {
     lastRelation_ = text;
     if (text == "relation&0,0,0") {
         std::puts("stop kvm");
-        curIp.set(AddressText{AddressText::kNone});
-        curName.set(AddressText{AddressText::kNone});
+        const BoxTarget before = currentTarget();
+        {
+            const std::lock_guard hold(boxGuard);
+            curIp.set(AddressText{AddressText::kNone});
+            curName.set(AddressText{AddressText::kNone});
+        }
+        letGoOfLostBox(events_, before);
         return;
     }
     osdIpMapSet(map, "out", nullptr);
@@ -144,7 +148,9 @@ void CommandChannel::reselectScreen(const std::string& map) {
     }
     screenKey_ = place;
     events_.getCurrentInfo_(&screenKey_, true);
-    selectInputOfCell(events_);
+    const BoxTarget before = currentTarget();
+    selectInputOfCell();
+    letGoOfLostBox(events_, before);
     const AddressText box = curIp.copy();
     std::printf("kvmset outIp:%s detail get curIp=%s\n", curOutIp.copy().c_str(), box.c_str());
     events_.hotPlugFlag = 1;
@@ -156,7 +162,9 @@ void CommandChannel::reselectScreen(const std::string& map) {
 void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
     curName.set({});
-    selectInputOfCell(events_);
+    const BoxTarget before = currentTarget();
+    selectInputOfCell();
+    letGoOfLostBox(events_, before);
     std::printf("kvmset get curName=%s curIp=%s\n", curName.copy().c_str(), curIp.copy().c_str());
     sendPointer();
     startFlag = 0;
@@ -208,7 +216,7 @@ void CommandChannel::status(const std::string& text) {
     if (port == 0) {
         socket->EchoTo(answer.data(), kStatusLength);
     } else if (port > 0 && port <= kMaxPort) {
-        socket->SendTo(address.data(), static_cast<unsigned>(port), answer.data(), kStatusLength);
+        sendToOsd(AddressText{address.data()}, port, bytesOf({answer.data(), kStatusLength}));
     } else {
         std::printf("no port in status query:%s\n", text.c_str());
     }
@@ -257,6 +265,7 @@ void* kvmSet(void* /*unused*/) {
             continue;
         }
         if (got < 0) {
+            std::puts("control socket cannot receive");
             sleepMicroseconds(kAfterFailureMicroseconds);
             continue;
         }

@@ -12,6 +12,8 @@ namespace {
 
 char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
+bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20; }
+
 std::string_view combinationOf(const std::array<char, HotkeyTable::kEntrySize>& entry) {
     const std::string_view text = entry.data();
     return text.substr(0, text.find(':'));
@@ -30,6 +32,10 @@ ParsedHotkeys parseHotkeys(const std::string& list, bool fromOsd) {
         const std::string entry = (fromOsd ? "LEFT" : "") + piece;
         if (parsed.table.count == HotkeyTable::kEntries) {
             parsed.problem = "over 159 entries";
+            return parsed;
+        }
+        if (std::any_of(entry.begin(), entry.end(), isControl)) {
+            parsed.problem = "control character in an entry";
             return parsed;
         }
         if (entry.size() >= HotkeyTable::kEntrySize) {

@@ -32,12 +32,8 @@ void openSlot(InputDeviceList& list, std::size_t slot) {
 
 /// A panel that no name recognised: its full scale is what the kernel says of its axes.
 void learnTouchRange(inputevent_& events, std::int32_t fd) {
-    const auto x = readAxisRange(fd, ABS_X);
-    const auto y = readAxisRange(fd, ABS_Y);
-    if (x && y && x->maximum > 0 && y->maximum > 0) {
-        events.touchMaxX = x->maximum;
-        events.touchMaxY = y->maximum;
-    }
+    events.touchMaxX = readAxisMaximum(fd, ABS_X).value_or(0);
+    events.touchMaxY = readAxisMaximum(fd, ABS_Y).value_or(0);
 }
 
 void closeList(inputevent_& events, InputDeviceList& list) {

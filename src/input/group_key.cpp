@@ -33,11 +33,11 @@ void giveToOsd(ListenerState& state) {
         currentInfo.with([](const currentCtl& now) { return now.screen.name; });
     std::printf("get kvm hotkey-->%s  sendto %s\n", state.groupKey.data(), screen.c_str());
     if (qtFlag) {
-        sendToOsd(AddressText{"127.0.0.1"}, wire::kOsdKeyPort, state.keyReport());
+        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
     } else {
         sendToOsd(curOutIp.copy(), wire::kOsdCommandPort, state.keyReport());
     }
-    sendKeyReport(state.events, state.events.keyReleaseReport);
+    sendKeyReport(state.events.keyReleaseReport);
     state.hotkeySent = true;
     state.groupKey.fill('\0');
 }
@@ -78,7 +78,7 @@ void forwardGroupKey(ListenerState& state) {
         return;
     }
     std::printf("0x%x 0x%x\n", unsigned{state.modifiers()}, unsigned{state.firstKeyUsage()});
-    sendKeyReport(state.events, state.keyReport());
+    sendKeyReport(state.keyReport());
     sleepMicroseconds(kAfterKeyMicroseconds);
     state.groupKey.fill('\0');
 }

@@ -49,8 +49,9 @@ void startInputThread() {
     bool started = false;
     {
         const std::lock_guard hold(life().guard);
-        life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr);
-        started = life().thread != 0;
+        int problem = 0;
+        life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr, &problem);
+        started = life().thread != 0 && problem == 0;
         life().running = started;
         life().everStarted = started;
     }

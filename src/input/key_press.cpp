@@ -21,7 +21,7 @@ bool takeKey(ListenerState& state, std::size_t slot, std::uint16_t code) {
     const int length = events.OnKeyDown(code, state.report.data(), 0, 0, 0, state.keyName.data());
     const char* device = events.keyDevices.name(slot);
     std::printf("check event:%s  %s key press-->%s\n", device, device, state.keyName.data());
-    if (modesAreOff(events) && resyncIsDue(events)) {
+    if (resyncIsDue(events)) {
         std::puts("osd change signal need locks sync");
         resync(events);
     }
@@ -89,7 +89,7 @@ void forwardSingleKey(ListenerState& state) {
         if (state.firstKeyUsage() == kEscapeUsage) {
             std::puts("send ESC to input");
         }
-        sendKeyReport(state.events, state.keyReport());
+        sendKeyReport(state.keyReport());
         if (state.name().starts_with("F13") && !is_user_ip) {
             releaseRunStop(state);
         }
@@ -101,7 +101,7 @@ void forwardSingleKey(ListenerState& state) {
 }
 
 void forwardTap(ListenerState& state) {
-    sendKeyReport(state.events, state.keyReport());
+    sendKeyReport(state.keyReport());
     sleepMicroseconds(kAfterKeyMicroseconds);
 }
 
@@ -150,10 +150,10 @@ void tapCtrlAtBox(inputevent_& events) {
     if (box.isNone()) {
         return;
     }
-    sendKeyReport(events, wire::kCtrlHeld);
+    sendKeyReport(wire::kCtrlHeld);
     for (int release = 0; release < 2; ++release) {
         sleepMicroseconds(kAfterKeyMicroseconds);
-        sendKeyReport(events, events.keyReleaseReport);
+        sendKeyReport(events.keyReleaseReport);
     }
 }
 
@@ -217,7 +217,7 @@ void sendKeyToOsd(ListenerState& state) {
     } else if (isEscape(state)) {
         leaveOsd(state);
     } else {
-        sendToOsd(AddressText{"127.0.0.1"}, wire::kOsdKeyPort, state.keyReport());
+        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
     }
 }
 

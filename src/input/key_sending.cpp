@@ -3,16 +3,12 @@
 #include "remote/send.h"
 #include "remote/wire.h"
 
-void sendKeyReport(inputevent_& events, std::span<const std::uint8_t> report) {
-    if (is_user_ip) {
-        events.user_send_mk(kKeyboard, nullptr, report.data());
-    } else {
-        sendToCurrentBox(report);
-    }
+void sendKeyReport(std::span<const std::uint8_t> report) {
+    sendKeys(currentTarget(), report);
 }
 
 void sendLocalOsd(std::string_view command) {
-    sendToOsd(AddressText{"127.0.0.1"}, wire::kOsdCommandPort, bytesOf(command));
+    sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdCommandPort, bytesOf(command));
 }
 
 void sendOutputOsd(std::string_view command) {

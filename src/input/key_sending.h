@@ -9,7 +9,7 @@
 /// Where key reports go. Input thread.
 
 /// To the current input box in the form it takes (user-list form or binary); nothing to "0.0.0.0".
-void sendKeyReport(inputevent_& events, std::span<const std::uint8_t> report);
+void sendKeyReport(std::span<const std::uint8_t> report);
 
 /// A command to the OSD process of this console.
 void sendLocalOsd(std::string_view command);

@@ -1,5 +1,4 @@
 #include <linux/input-event-codes.h>
-#include <poll.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -37,10 +36,10 @@ void sendRelease(ListenerState& state) {
     // KVM mode does not count here: in it, releases go to the box.
     const bool toOsd = osdFlag || events.previewMode;
     if (toOsd || state.hotkeySent) {
-        sendToOsd(AddressText{"127.0.0.1"}, wire::kOsdKeyPort, state.keyReport());
+        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
     }
     if (!toOsd) {
-        sendKeyReport(events, state.keyReport());
+        sendKeyReport(state.keyReport());
     }
 }
 
@@ -108,26 +107,19 @@ std::optional<std::size_t> serveKeyboard(ListenerState& state, std::size_t slot)
     return slot + 1;
 }
 
-bool hasInput(std::int32_t fd) {
-    pollfd wait{fd, POLLIN, 0};
-    return poll(&wait, 1, 0) == 1 && (wait.revents & POLLIN) != 0;
-}
-
 }  // namespace
 
 /// A key combination sends the pass to a slot that its hotkey look-up decides, perhaps back to one
 /// already served; such a keyboard is read again only if it still has something to give.
 bool serveKeyboards(ListenerState& state) {
     const InputDeviceList& keyboards = state.events.keyDevices;
-    std::array<bool, InputDeviceList::kSlots> served{};
     std::size_t slot = 0;
     while (slot < keyboards.count) {
         const std::int32_t fd = keyboards.fds[slot];
-        if (!state.isReady(fd) || (served[slot] && !hasInput(fd))) {
+        if (!state.isReady(fd)) {
             ++slot;
             continue;
         }
-        served[slot] = true;
         const auto next = serveKeyboard(state, slot);
         if (!next) {
             return false;

@@ -65,7 +65,7 @@ void begin(ListenerState& state) {
     events.listenerAlive = 1;
     buildReadSet(events);
     adoptLedKeyboard(events);
-    selectInputOfCell(events);
+    selectInputOfCell();
     printSelection();
     setTouchInput(events);
     if (events.touchDevices.count > 0 && (events.touchMaxX <= 0 || events.touchMaxY <= 0)) {
@@ -86,7 +86,7 @@ bool serveAll(ListenerState& state) {
 
 void letGoOfHeldInput(inputevent_& events) {
     if (events.keysHeld.exchange(0) > 0) {
-        sendKeyReport(events, events.keyReleaseReport);
+        sendKeyReport(events.keyReleaseReport);
     }
     if (events.buttonsHeld.exchange(0) != 0) {
         wire::Absolute released{};

@@ -52,9 +52,10 @@ struct ListenerState {
     std::uint8_t firstKeyUsage() const { return report[wire::kFirstKeyAt]; }
     std::string_view name() const { return keyName.data(); }
 
-    /// True when the last wait found `fd` readable; false for a node that is not open.
+    /// True when the last wait found `fd` readable and it still is, so that a read cannot wait even
+    /// if two entries share a node; false for a node that is not open.
     bool isReady(std::int32_t fd) const {
-        return fd >= 0 && fd < FD_SETSIZE && FD_ISSET(fd, &ready);
+        return fd >= 0 && fd < FD_SETSIZE && FD_ISSET(fd, &ready) && hasInput(fd);
     }
 
     void clearReport() {

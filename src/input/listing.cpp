@@ -1,11 +1,10 @@
 #include "input/listing.h"
 
-#include <algorithm>
-#include <fstream>
 #include <sstream>
 
 #include "app/base/path_prefix.h"
 #include "app/base/text.h"
+#include "config/whole_file.h"
 
 namespace {
 
@@ -59,11 +58,7 @@ DeviceListing takeListing(const std::string& text) {
 }
 
 DeviceListing loadDeviceListing() {
-    std::ifstream file(prefixedPath("/proc/bus/input/devices"));
-    std::string text(kMostRead, '\0');
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
-    return takeListing(text);
+    return takeListing(readFileStart(prefixedPath("/proc/bus/input/devices"), kMostRead).text);
 }
 
 std::optional<PanelFound> findPanel(std::string_view listing) {

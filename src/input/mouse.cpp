@@ -1,5 +1,6 @@
 #include <linux/input-event-codes.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "input/listener.h"
@@ -103,7 +104,7 @@ bool serveMouse(ListenerState& state, std::size_t slot) {
     InputRecord record;
     const int length = readRecord(events.mouseDevices.node(slot), record);
     if (length != kRecordSize) {
-        if (!forBox) {
+        if (!forBox && length > 0) {
             return true;
         }
         std::printf("read mouse input error--->%zu len %d\n", slot, length);

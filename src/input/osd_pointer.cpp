@@ -12,7 +12,7 @@ namespace {
 void sendOsdPointer(ListenerState& state, std::uint8_t wheel) {
     const wire::Relative report =
         wire::relative(state.osdButtons, state.events.localDx, state.events.localDy, wheel);
-    sendToOsd(AddressText{"127.0.0.1"}, wire::kOsdCommandPort, report);
+    sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdCommandPort, report);
 }
 
 void pressOsdButton(ListenerState& state, const InputRecord& record) {

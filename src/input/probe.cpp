@@ -1,7 +1,9 @@
 #include <linux/input-event-codes.h>
 #include <sys/select.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <vector>
 
@@ -13,36 +15,68 @@
 
 namespace {
 
-constexpr suseconds_t kEchoMicroseconds = 80'000;
-/// A device that keeps talking has answered; the drain need not wait until it pauses.
-constexpr int kMostDrained = 256;
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kEcho{80};
+/// A device that keeps talking has answered; the probe need not wait until it pauses.
+constexpr milliseconds kLongest{400};
 
 using DeviceName = std::array<char, InputDeviceList::kNameSize>;
 
 bool usable(std::int32_t fd) { return fd > 0 && fd < FD_SETSIZE; }
 
-/// Reads until the node has been silent for 80 ms or a read fails. True when a record came.
-bool drain(fd_set& readSet, const EventNode& node) {
-    if (!usable(node.fd)) {
-        return false;
+/// The nodes of one kind while they are listened to.
+struct Probe {
+    const InputDeviceList& list;
+    fd_set& readSet;
+    std::array<bool, InputDeviceList::kSlots> answered{};
+    std::array<bool, InputDeviceList::kSlots> drained{};  ///< a read failed, nothing more will come
+};
+
+/// Puts the nodes that are still listened to into the set; returns the highest descriptor + 1.
+int watch(Probe& probe) {
+    int highest = 0;
+    FD_ZERO(&probe.readSet);
+    for (std::size_t i = 0; i < probe.list.count; ++i) {
+        const std::int32_t fd = probe.list.fds[i];
+        if (usable(fd) && !probe.drained[i]) {
+            FD_SET(fd, &probe.readSet);
+            highest = std::max(highest, fd + 1);
+        }
     }
-    bool answered = false;
-    for (int drained = 0; drained < kMostDrained; ++drained) {
-        FD_ZERO(&readSet);
-        FD_SET(node.fd, &readSet);
-        timeval wait{0, kEchoMicroseconds};
+    return highest;
+}
+
+void readReady(Probe& probe) {
+    for (std::size_t i = 0; i < probe.list.count; ++i) {
+        const std::int32_t fd = probe.list.fds[i];
+        if (!usable(fd) || probe.drained[i] || !FD_ISSET(fd, &probe.readSet) || !hasInput(fd)) {
+            continue;
+        }
+        InputRecord record;
+        const bool whole = readRecord(probe.list.node(i), record) == kRecordSize;
+        probe.answered[i] = probe.answered[i] || whole;
+        probe.drained[i] = !whole;
+    }
+}
+
+/// Listens to all nodes together until they have been silent for 80 ms, so that the probe takes as
+/// long for eight devices as for one.
+void listen(Probe& probe) {
+    const Clock::time_point end = Clock::now() + kLongest;
+    for (int highest = watch(probe); highest > 0 && Clock::now() < end; highest = watch(probe)) {
+        timeval wait{0, std::chrono::microseconds(kEcho).count()};
         int ready = 0;
         {
             const CancelWindow window;
-            ready = select(node.fd + 1, &readSet, nullptr, nullptr, &wait);
+            ready = select(highest, &probe.readSet, nullptr, nullptr, &wait);
         }
-        InputRecord record;
-        if (ready < 1 || readRecord(node, record) != kRecordSize) {
-            break;
+        if (ready < 1) {
+            return;
         }
-        answered = true;
+        readReady(probe);
     }
-    return answered;
 }
 
 void writeMotion(const EventNode& node) {
@@ -57,28 +91,22 @@ void writeKey(const EventNode& node) {
     writeRecord(node, EV_SYN, SYN_REPORT, 0);
 }
 
-std::vector<DeviceName> answeringMice(inputevent_& events) {
-    std::vector<DeviceName> real;
-    InputDeviceList& mice = events.mouseDevices;
-    for (std::size_t i = 0; i < mice.count; ++i) {
-        writeMotion(mice.node(i));
-        if (drain(events.readSet, mice.node(i))) {
-            real.push_back(mice.names[i]);
-        }
-        std::printf("check mouse %s false\n", mice.name(i));
+/// Probes every node of a list with `writeEvents`; `printLine` gets the name of each. Returns the
+/// names of those that answered.
+template <class WriteEvents, class PrintLine>
+std::vector<DeviceName> answering(inputevent_& events, const InputDeviceList& list,
+                                  WriteEvents writeEvents, PrintLine printLine) {
+    for (std::size_t i = 0; i < list.count; ++i) {
+        writeEvents(list.node(i));
     }
-    return real;
-}
-
-std::vector<DeviceName> answeringKeyboards(inputevent_& events) {
+    Probe probe{list, events.readSet, {}, {}};
+    listen(probe);
     std::vector<DeviceName> real;
-    InputDeviceList& keyboards = events.keyDevices;
-    for (std::size_t i = 0; i < keyboards.count; ++i) {
-        writeKey(keyboards.node(i));
-        if (drain(events.readSet, keyboards.node(i))) {
-            real.push_back(keyboards.names[i]);
+    for (std::size_t i = 0; i < list.count; ++i) {
+        if (probe.answered[i]) {
+            real.push_back(list.names[i]);
         }
-        std::printf("checkt mouse %s false\n", keyboards.name(i));
+        printLine(list.name(i));
     }
     return real;
 }
@@ -96,11 +124,15 @@ void keep(InputDeviceList& list, const std::vector<DeviceName>& real, PrintLine 
 }  // namespace
 
 int inputevent_::check_input_event() {
-    const std::vector<DeviceName> mice = answeringMice(*this);
+    const auto mice = answering(*this, mouseDevices, writeMotion, [](const char* name) {
+        std::printf("check mouse %s false\n", name);
+    });
     closeInputFd(true, false, false);
     keep(mouseDevices, mice,
          [this](std::size_t i) { std::printf("get real mouse event:%s\n", mouseDevices.name(i)); });
-    const std::vector<DeviceName> keyboards = answeringKeyboards(*this);
+    const auto keyboards = answering(*this, keyDevices, writeKey, [](const char* name) {
+        std::printf("checkt mouse %s false\n", name);
+    });
     closeInputFd(false, true, false);
     keep(keyDevices, keyboards, [this](std::size_t i) {
         // The line reports the mouse of the same slot, not the keyboard.

@@ -54,8 +54,12 @@ std::int32_t scaled(std::int32_t value, std::int32_t offset, std::int32_t extent
                                      maximum);
 }
 
+bool hasOffset(const inputevent_& events) {
+    return events.touchNamed && events.touchType == kOffsetPanel;
+}
+
 void moveTouchX(ListenerState& state, std::int32_t value) {
-    const bool offset = state.events.touchType == kOffsetPanel;
+    const bool offset = hasOffset(state.events);
     const std::int32_t x = scaled(value, offset ? kOffsetX : 0, XRIGHT, state.events.touchMaxX);
     currentInfo.with([x](currentCtl& now) { now.pointerX = x; });
     if (state.firstX == 0) {
@@ -65,7 +69,7 @@ void moveTouchX(ListenerState& state, std::int32_t value) {
 }
 
 void moveTouchY(ListenerState& state, std::int32_t value) {
-    const bool offset = state.events.touchType == kOffsetPanel;
+    const bool offset = hasOffset(state.events);
     const std::int32_t y = scaled(value, offset ? kOffsetY : 0, YDOWN, state.events.touchMaxY);
     currentInfo.with([y](currentCtl& now) { now.pointerY = y; });
     if (state.firstY == 0) {
@@ -179,7 +183,7 @@ bool servePanel(ListenerState& state, std::size_t slot) {
     inputevent_& events = state.events;
     InputRecord record;
     const int length = readRecord(events.touchDevices.node(slot), record);
-    if (!modesAreOff(events)) {
+    if (!modesAreOff(events) && length > 0) {
         return true;
     }
     if (length != kRecordSize || events.touchPaused) {

@@ -4,17 +4,19 @@
 #include <string>
 
 #include "app/base/address_text.h"
+#include "remote/send.h"
 
 class UDPSocket;
 
 /// One answer to a "link" request: its first 64 bytes as text, up to the first NUL.
 struct BoxAnswer {
-    AddressText box;     ///< the box that was asked
+    BoxTarget asked;
     AddressText sender;  ///< who answered
     int port = 0;        ///< the sender's port, host order
     std::string text;
 
-    bool isFromBox() const { return sender == box; }
+    const AddressText& box() const { return asked.ip; }
+    bool isFromBox() const { return sender == asked.ip; }
 };
 
 /// Drains `socket`, asks curIp and waits for one answer, as long as the socket's receive waits.

@@ -126,7 +126,7 @@ void notifyOsd() {
     const Standing at = standing();
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "TO:%s,%u,%u", at.screen.c_str(), at.cellX, at.cellY);
-    sendToOsd(qtFlag ? AddressText{"127.0.0.1"} : at.screen, wire::kOsdCommandPort,
+    sendToOsd(qtFlag ? AddressText{AddressText::kThisMachine} : at.screen, wire::kOsdCommandPort,
               bytesOf(text.data()));
 }
 
@@ -168,7 +168,7 @@ unsigned cross(inputevent_& events, Edge edge) {
     if (edge == Edge::kRight && !within) {
         std::printf("start inkey:%u\n", currentInKey());
     }
-    if (selectInputOfCell(events)) {
+    if (selectInputOfCell()) {
         bringBoxUpToDate(events);
         notifyOsd();
         printSuccess(edge, within);

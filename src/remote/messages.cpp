@@ -45,16 +45,17 @@ void sendMirror(const std::uint8_t* buf) {
 }
 
 void sendAbsolute(const AddressText& ip, const std::uint8_t* buf) {
-    sendToBox(ip, boxPort(), {buf, wire::Absolute{}.size()});
+    sendToBox(ip, currentTarget().port, {buf, wire::Absolute{}.size()});
 }
 
 void sendPointer(inputevent_& events, const AddressText& ip, const std::uint8_t* buf) {
-    if (is_user_ip) {
+    const BoxTarget now = currentTarget();
+    if (now.user) {
         events.user_send_mk(kMouseMove, buf, nullptr);
-    } else if (rel_enable) {
-        sendToBox(ip, boxPort(), events.relativeReport.copy());
+    } else if (now.relative) {
+        sendToBox(ip, now.port, events.relativeReport.copy());
     } else {
-        sendAbsolute(ip, buf);
+        sendToBox(ip, now.port, {buf, wire::Absolute{}.size()});
     }
 }
 
@@ -63,7 +64,7 @@ void sendParked(const AddressText& ip, std::uint8_t* buf) {
     wire::put16(buf, wire::kXAt, XRIGHT / 2);
     wire::put16(buf, wire::kYAt, YDOWN);
     if (is_wheel == 0) {
-        sendUnchecked(ip, boxPort(), {buf, wire::Absolute{}.size()});
+        sendUnchecked(ip, currentTarget().port, {buf, wire::Absolute{}.size()});
     }
     is_wheel = 0;
 }

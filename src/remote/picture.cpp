@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr std::int32_t kDefaultWidth = 1920;
-constexpr std::int32_t kDefaultHeight = 1080;
 /// How far the pointer jumps when a box turns out to take relative reports.
 constexpr std::int32_t kRelativeNudge = 5;
 
@@ -33,8 +31,20 @@ float ratioOf(std::int32_t now, std::int32_t before) {
     return before == 0 ? 1.0F : static_cast<float>(now) / static_cast<float>(before);
 }
 
+/// Runs `store` on the facts of the box in control, unless control moved on from the box that
+/// answered. False then.
+template <class Store>
+bool whileInControl(const BoxAnswer& answer, Store store) {
+    const std::lock_guard hold(boxGuard);
+    if (curIp.copy() != answer.asked.ip || port_add != answer.asked.portAdd) {
+        return false;
+    }
+    store();
+    return true;
+}
+
 /// Takes over a new picture size and keeps the pointer at the same place of the picture.
-void applySize(std::int32_t width, std::int32_t height) {
+void applySize(const BoxAnswer& answer, std::int32_t width, std::int32_t height) {
     if (width == XRIGHT && height == YDOWN) {
         return;
     }
@@ -42,12 +52,14 @@ void applySize(std::int32_t width, std::int32_t height) {
     const float ypre = ratioOf(height, YDOWN);
     std::printf("xpre=%f\n", static_cast<double>(xpre));
     std::printf("ypre=%f\n", static_cast<double>(ypre));
-    currentInfo.with([&](currentCtl& current) {
-        current.pointerX = scaleTruncated(current.pointerX, xpre);
-        current.pointerY = scaleTruncated(current.pointerY, ypre);
+    whileInControl(answer, [&] {
+        currentInfo.with([&](currentCtl& current) {
+            current.pointerX = scaleTruncated(current.pointerX, xpre);
+            current.pointerY = scaleTruncated(current.pointerY, ypre);
+        });
+        XRIGHT = width;
+        YDOWN = height;
     });
-    XRIGHT = width;
-    YDOWN = height;
 }
 
 /// A size that no picture has; one line says so.
@@ -61,7 +73,7 @@ bool refusesSize(const BoxReply& reply) {
 }
 
 /// Switches the pointer mode. The nudge is the last report that the box gets in absolute form.
-void applyMode(inputevent_& events, PointerMode mode, const AddressText& box) {
+void applyMode(inputevent_& events, PointerMode mode, const BoxAnswer& answer) {
     if (mode == PointerMode::kRelative && !rel_enable) {
         std::puts("this input chip relation");
         currentInfo.with([](currentCtl& current) {
@@ -69,43 +81,55 @@ void applyMode(inputevent_& events, PointerMode mode, const AddressText& box) {
             current.pointerY = moved(current.pointerY, kRelativeNudge);
         });
         wire::Absolute report{};
-        events.operationEvent(kMouseMove, box.c_str(), nullptr, report.data());
-        rel_enable = 1;
+        events.operationEvent(kMouseMove, answer.box().c_str(), nullptr, report.data());
+        whileInControl(answer, [] { rel_enable = 1; });
     } else if (mode == PointerMode::kAbsolute && rel_enable) {
         std::puts("this input chip abslation");
-        rel_enable = 0;
+        whileInControl(answer, [] { rel_enable = 0; });
     }
 }
 
-/// False when control moved on to another box while the answer was under way.
-bool isStillCurrent(const BoxAnswer& answer) { return curIp.copy() == answer.box; }
+bool isInControl(const BoxAnswer& answer) {
+    return whileInControl(answer, [] {});
+}
 
 /// The size that a selected box tells: taken over and remembered. A missing height counts as 0.
 void applySelectionSize(const BoxAnswer& answer, const BoxReply& reply) {
     if (reply.width->overlong || (reply.height && reply.height->overlong)) {
-        XRIGHT = kDefaultWidth;
-        YDOWN = kDefaultHeight;
+        whileInControl(answer, [] {
+            XRIGHT = kDefaultWidth;
+            YDOWN = kDefaultHeight;
+        });
     }
     const std::int32_t width = reply.width->value;
     const std::int32_t height = reply.height ? reply.height->value : 0;
     printSize(width, height);
-    applySize(width, height);
-    const unsigned n = GetViNum(answer.box.c_str());
+    applySize(answer, width, height);
+    const unsigned n = GetViNum(answer.box().c_str());
     if (n != 0) {
         vi_info.with([&](auto& records) {
-            records[n].address = answer.box;
+            records[n].address = answer.box();
             records[n].width = width;
             records[n].height = height;
         });
-        std::printf("save vi %s (%d,%d)\n", answer.box.c_str(), width, height);
+        std::printf("save vi %s (%d,%d)\n", answer.box().c_str(), width, height);
     }
 }
 
-/// Stores the pointer mode in the box's record and returns what stood there.
-std::uint8_t rememberMode(const BoxAnswer& answer, std::uint8_t relative) {
-    const unsigned n = GetViNum(answer.box.c_str());
-    return vi_info.with(
-        [&](auto& records) { return std::exchange(records[n].relative, relative); });
+/// Stores the pointer mode of the box in its record.
+struct ModeChange {
+    std::uint8_t before = 0;
+    std::uint8_t now = 0;
+};
+ModeChange rememberMode(const BoxAnswer& answer) {
+    const unsigned n = GetViNum(answer.box().c_str());
+    ModeChange change;
+    whileInControl(answer, [&] {
+        change.now = rel_enable;
+        change.before = vi_info.with(
+            [&](auto& records) { return std::exchange(records[n].relative, change.now); });
+    });
+    return change;
 }
 
 /// Everything of the query on selection but its closing line.
@@ -120,21 +144,19 @@ void applySelectionAnswer(inputevent_& events, const BoxAnswer& answer) {
     if (!reply.mode) {
         return;
     }
-    applyMode(events, *reply.mode, answer.box);
-    const std::uint8_t relative = rel_enable;
-    rememberMode(answer, relative);
-    std::printf("save %s vi rel :%d\n", answer.box.c_str(), relative);
+    applyMode(events, *reply.mode, answer);
+    std::printf("save %s vi rel :%d\n", answer.box().c_str(), rememberMode(answer).now);
 }
 
 /// Rewrites the box's record when its stored size differs. True when it did.
 bool rememberSize(const BoxAnswer& answer, std::int32_t width, std::int32_t height) {
-    const unsigned n = GetViNum(answer.box.c_str());
+    const unsigned n = GetViNum(answer.box().c_str());
     return n != 0 && vi_info.with([&](auto& records) {
         ViInfo& record = records[n];
         if (record.width == width && record.height == height) {
             return false;
         }
-        record.address = answer.box;
+        record.address = answer.box();
         record.width = width;
         record.height = height;
         return true;
@@ -145,7 +167,7 @@ bool rememberSize(const BoxAnswer& answer, std::int32_t width, std::int32_t heig
 void applyPeriodicSize(const BoxAnswer& answer, const BoxReply& reply) {
     const std::int32_t width = reply.width->value;
     const std::int32_t height = reply.height ? reply.height->value : YDOWN.load();
-    applySize(width, height);
+    applySize(answer, width, height);
     if (rememberSize(answer, width, height)) {
         printSize(width, height);
     }
@@ -157,14 +179,14 @@ void inputevent_::getChipVersion() {
     UDPSocket* socket = InputSocket;
     const auto answer = socket != nullptr ? askBox(*socket) : std::nullopt;
     if (answer && !answer->isFromBox()) {
-        std::printf("now input ip %s port %d get error Ip %s port %d\n", answer->box.c_str(),
-                    boxPort(), answer->sender.c_str(), answer->port);
+        std::printf("now input ip %s port %d get error Ip %s port %d\n", answer->box().c_str(),
+                    answer->asked.port, answer->sender.c_str(), answer->port);
         return;
     }
     if (answer) {
         std::printf("get ip:%s port:%d input echo:%s\n", answer->sender.c_str(), answer->port,
                     answer->text.c_str());
-        if (isStillCurrent(*answer)) {
+        if (isInControl(*answer)) {
             applySelectionAnswer(*this, *answer);
         }
     }
@@ -181,14 +203,14 @@ void inputevent_::TimegetChipVersion() {
         return;
     }
     if (!answer->isFromBox()) {
-        std::printf("now input ip %s get error Ip %s\n", answer->box.c_str(),
+        std::printf("now input ip %s get error Ip %s\n", answer->box().c_str(),
                     answer->sender.c_str());
         return;
     }
     std::printf("get ip:%s port:%d input echo:%s\n", answer->sender.c_str(), answer->port,
                 answer->text.c_str());
     const BoxReply reply = parseBoxReply(answer->text);
-    if (!isStillCurrent(*answer) || !reply.width) {
+    if (!isInControl(*answer) || !reply.width) {
         return;
     }
     if (!refusesSize(reply)) {
@@ -197,9 +219,9 @@ void inputevent_::TimegetChipVersion() {
     if (!reply.mode) {
         return;
     }
-    applyMode(*this, *reply.mode, answer->box);
-    const std::uint8_t relative = rel_enable;
-    if (rememberMode(*answer, relative) != relative) {
-        std::printf("get %s vi rel :%d\n", answer->box.c_str(), relative);
+    applyMode(*this, *reply.mode, *answer);
+    const ModeChange mode = rememberMode(*answer);
+    if (mode.before != mode.now) {
+        std::printf("get %s vi rel :%d\n", answer->box().c_str(), mode.now);
     }
 }

@@ -25,14 +25,15 @@ int inputevent_::releaseKey() {
 
 int inputevent_::releaseInput(const char* ip) {
     const AddressText box{ip};
-    if (is_user_ip) {
+    const BoxTarget now = currentTarget();
+    if (now.user) {
         user_send_mk(kKeyboard, nullptr, keyReleaseReport.data());
         return 1;
     }
     wire::Absolute parked = wire::kPointerRelease;
     wire::put16(parked.data(), wire::kXAt, XRIGHT);
-    sendToBox(box, boxPort(), parked);
-    sendToBox(box, boxPort(), keyReleaseReport);
+    sendToBox(box, now.port, parked);
+    sendToBox(box, now.port, keyReleaseReport);
     return 1;
 }
 
@@ -82,7 +83,10 @@ int inputevent_::MouseTo(int x, int y) {
     }
     const unsigned outKey = gridKey(static_cast<unsigned>(x), static_cast<unsigned>(y));
     getCurrentInfo_(&outKey, true);
-    if (selectInputOfCell(*this)) {
+    const BoxTarget before = currentTarget();
+    const bool found = selectInputOfCell();
+    letGoOfLostBox(*this, before);
+    if (found) {
         bringBoxUpToDate(*this);
     } else {
         std::puts("error can not get input ip");

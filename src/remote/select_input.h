@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/base/inputevent.h"
+#include "remote/send.h"
 
 /// Selecting the input box of the current cell: shared by the listener's start, the edge crossings
 /// and the commands. Input and control threads.
@@ -8,9 +9,10 @@
 /// The in key of the current cell.
 unsigned currentInKey();
 
-/// Clears curIp and fills it with the box of the current cell. False when the cell has none; curIp
-/// then stays empty and nothing is sent.
-bool selectInputOfCell(inputevent_& events);
+/// Makes the box of the current cell the one in control, in one step: until then everything goes to
+/// the box before it. False when the cell has none; curIp is then empty and nothing is sent. Should
+/// another thread enter another cell meanwhile, that cell's box is taken.
+bool selectInputOfCell();
 
 /// Brings a newly selected box's lights and this console's idea of its picture up to date. Does
 /// nothing for "0.0.0.0" and for user-list boxes.
@@ -18,6 +20,10 @@ void bringBoxUpToDate(inputevent_& events);
 
 /// Asks the current box for its picture with the query-in-progress byte cleared, then sets it.
 void queryBox(inputevent_& events);
+
+/// After a command took control from `before`: keys that the user still holds are let go there, for
+/// their releases now go elsewhere.
+void letGoOfLostBox(const inputevent_& events, const BoxTarget& before);
 
 /// If `name` holds "-": stores the decimal number after the first one in port_add. A number that is
 /// no port offset (0 to 65535) counts as 0, with one line. Returns port_add.

@@ -2,6 +2,7 @@
 
 #include "app/base/state.h"
 #include "net/udp_socket.h"
+#include "remote/wire.h"
 
 namespace {
 
@@ -16,7 +17,10 @@ void sendThrough(UDPSocket* socket, const AddressText& ip, int port,
 
 }  // namespace
 
-int boxPort() { return inputPort + port_add; }
+BoxTarget currentTarget() {
+    const std::lock_guard hold(boxGuard);
+    return {curIp.copy(), inputPort + port_add, port_add, is_user_ip != 0, rel_enable != 0};
+}
 
 void sendToBox(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {
     if (!ip.isNone()) {
@@ -29,7 +33,17 @@ void sendUnchecked(const AddressText& ip, int port, std::span<const std::uint8_t
 }
 
 void sendToCurrentBox(std::span<const std::uint8_t> bytes) {
-    sendToBox(curIp.copy(), boxPort(), bytes);
+    const BoxTarget box = currentTarget();
+    sendToBox(box.ip, box.port, bytes);
+}
+
+void sendKeys(const BoxTarget& box, std::span<const std::uint8_t> report) {
+    if (box.user) {
+        sendToBox(box.ip, wire::kUserPort,
+                  wire::userKeyboard(report[wire::kModifiersAt], report[wire::kFirstKeyAt]));
+    } else {
+        sendToBox(box.ip, box.port, report);
+    }
 }
 
 void sendToOsd(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {

@@ -10,8 +10,15 @@
 /// Fire-and-forget datagrams. Nothing is sent to "0.0.0.0" or to an empty address; send errors are
 /// not examined. Any thread.
 
-/// The port at which the current input box takes its reports.
-int boxPort();
+/// The box now controlled and the form in which it takes its reports; one consistent copy.
+struct BoxTarget {
+    AddressText ip;
+    std::int32_t port = 0;     ///< for reports
+    std::int32_t portAdd = 0;  ///< the box's offset, for its query port
+    bool user = false;         ///< takes the user-list formats at their own port
+    bool relative = false;     ///< takes relative pointer reports
+};
+BoxTarget currentTarget();
 
 /// Sends through InputSocket.
 void sendToBox(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
@@ -21,6 +28,9 @@ void sendUnchecked(const AddressText& ip, int port, std::span<const std::uint8_t
 
 /// Sends through InputSocket to curIp at the current box's port.
 void sendToCurrentBox(std::span<const std::uint8_t> bytes);
+
+/// Sends the 11-byte keyboard report in the form that the box takes.
+void sendKeys(const BoxTarget& box, std::span<const std::uint8_t> report);
 
 /// Sends through KvmSetSocket: texts and reports for the OSD process.
 void sendToOsd(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);

@@ -83,13 +83,13 @@ std::int32_t scaleTruncated(std::int32_t value, float ratio) {
 }
 
 std::optional<BoxAnswer> askBox(UDPSocket& socket) {
-    const AddressText box = curIp.copy();
+    const BoxTarget box = currentTarget();
     socket.readEmptySocket();
-    if (box.isNone()) {
+    if (box.ip.isNone()) {
         return std::nullopt;
     }
-    socket.SendTo(box.c_str(), static_cast<unsigned>(wire::kQueryPort + port_add), kRequest.data(),
-                  static_cast<long>(kRequest.size()));
+    socket.SendTo(box.ip.c_str(), static_cast<unsigned>(wire::kQueryPort + box.portAdd),
+                  kRequest.data(), static_cast<long>(kRequest.size()));
     std::array<char, 64> buffer{};
     sockaddr_in sender{};
     const long got = socket.Receive(buffer.data(), static_cast<long>(buffer.size()), sender);

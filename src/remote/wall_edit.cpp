@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr std::int32_t kDefaultPort = 80;
-constexpr std::int32_t kMaxPort = 65535;
-
 bool nameFits(const std::string& name) {
     if (!AddressText::fits(name)) {
         std::printf("map name over 19 characters:%s\n", name.c_str());
@@ -56,15 +53,13 @@ struct Size {
 
 MapEntry takeMapEntry(const std::string& text) {
     MapEntry entry = parseMapEntry(text);
-    inputPort = kDefaultPort;
-    if (entry.port) {
-        const std::int32_t port = str2int(*entry.port);
-        if (port >= 1 && port <= kMaxPort) {
-            inputPort = port;
-            std::printf("get input port %d\n", port);
-        } else {
-            std::printf("no input port in %s\n", text.c_str());
-        }
+    const std::int32_t given = entry.port ? str2int(*entry.port) : kDefaultInputPort;
+    const bool usable = given >= 1 && given <= kMaxPort;
+    inputPort = usable ? given : kDefaultInputPort;
+    if (!usable) {
+        std::printf("no input port in %s\n", text.c_str());
+    } else if (entry.port) {
+        std::printf("get input port %d\n", given);
     }
     return entry;
 }

@@ -10,6 +10,7 @@ class AddressText {
  public:
     static constexpr std::size_t kSize = 20;
     static constexpr std::string_view kNone = "0.0.0.0";
+    static constexpr std::string_view kThisMachine = "127.0.0.1";
 
     constexpr AddressText() = default;
     constexpr explicit AddressText(std::string_view text) { assign(text); }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/input.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -57,6 +58,11 @@ int readRecord(const EventNode& node, InputRecord& record) {
     return got;
 }
 
+bool hasInput(std::int32_t fd) {
+    pollfd wait{fd, POLLIN, 0};
+    return poll(&wait, 1, 0) == 1;
+}
+
 bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code,
                  std::int32_t value) {
     if (node.layout == RecordLayout::kPlain16) {
@@ -77,10 +83,10 @@ std::uint32_t readLedBits(int fd) {
     return bits[0] | static_cast<std::uint32_t>(bits[1]) << 8;
 }
 
-std::optional<AxisRange> readAxisRange(int fd, std::uint16_t code) {
+std::optional<std::int32_t> readAxisMaximum(int fd, std::uint16_t code) {
     input_absinfo info{};
     if (ioctl(fd, EVIOCGABS(code), &info) < 0) {
         return std::nullopt;
     }
-    return AxisRange{info.minimum, info.maximum};
+    return info.maximum;
 }

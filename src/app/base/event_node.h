@@ -37,6 +37,9 @@ EventNode openEventNode(const char* path);
 int readRecord(const EventNode& node, InputRecord& record);
 inline constexpr int kRecordSize = 16;
 
+/// True when a read of `fd` would not wait: a record is there, or the node is gone.
+bool hasInput(std::int32_t fd);
+
 /// Writes one record with time zero. Returns false when the node did not take it whole.
 bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code, std::int32_t value);
 
@@ -44,10 +47,5 @@ bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code, 
 /// cannot tell.
 std::uint32_t readLedBits(int fd);
 
-struct AxisRange {
-    std::int32_t minimum = 0;
-    std::int32_t maximum = 0;
-};
-
-/// The range of the absolute axis `code` (EVIOCGABS); nothing when the node cannot tell.
-std::optional<AxisRange> readAxisRange(int fd, std::uint16_t code);
+/// The largest value of the absolute axis `code` (EVIOCGABS); nothing when the node cannot tell.
+std::optional<std::int32_t> readAxisMaximum(int fd, std::uint16_t code);

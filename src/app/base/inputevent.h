@@ -60,7 +60,8 @@ class inputevent_ {
     int OnKeyUp(int code, std::uint8_t* report, char);
     int GetChar(const std::uint8_t* report, char* text);
 
-    // remote/: reports. Input, control and screen-information threads.
+    // remote/: reports. Input, control and screen-information threads, and the supervisor while no
+    // input thread runs.
     int getInputMouseLocation(std::uint8_t* buf);
     int operationEvent(EventType type, const char* ip, const InputRecord* ev, std::uint8_t* buf);
     int user_send_mk(EventType type, const std::uint8_t* mouse, const std::uint8_t* key);

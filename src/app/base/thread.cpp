@@ -1,7 +1,7 @@
 #include "app/base/thread.h"
 
-pthread_t CreateThread(void* (*start)(void*), int priority, int policy, int detach,
-                       void* argument) {
+pthread_t CreateThread(void* (*start)(void*), int priority, int policy, int detach, void* argument,
+                       int* problem) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     sched_param scheduling{};
@@ -12,8 +12,11 @@ pthread_t CreateThread(void* (*start)(void*), int priority, int policy, int deta
         pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
     }
     pthread_t thread = 0;
-    // NOLINTNEXTLINE(bugprone-posix-return): the negative result is the contract
-    if (pthread_create(&thread, &attributes, start, argument) < 0) {
+    const int result = pthread_create(&thread, &attributes, start, argument);
+    if (problem != nullptr) {
+        *problem = result;
+    }
+    if (result < 0) {
         return 0;
     }
     pthread_attr_destroy(&attributes);
