@@ -149,3 +149,14 @@ TEST_F(HotPlug, TwoHundredRoundsLeaveNothingBehind) {
     ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
     expectReport(kFirstBox, "key down A");
 }
+
+TEST_F(HotPlug, AsManyDevicesAsTheListsHoldAreProbedInTime) {
+    for (int number = 2; number < 9; ++number) {
+        plan.devices.push_back({rig::Kind::kKeyboard, number, {}});
+        plan.devices.push_back({rig::Kind::kMouse, number + 10, {}});
+    }
+    start();
+    EXPECT_THAT(daemon().lines(), Contains("get real mouse event 8, keyboard evnet 8"));
+    ASSERT_TRUE(board().key(8, KEY_A, true));
+    expectReport(kFirstBox, "key down A");
+}
