@@ -1,46 +1,33 @@
 #include "app/board.h"
 
-#include <gmock/gmock.h>
-
-#include <array>
-#include <cstdio>
-#include <string>
-#include <vector>
-
-#include "app/base/path_prefix.h"
-#include "unit/config/scratch.h"
+#include "app/registers.h"
+#include "unit/fixture.h"
 
 namespace {
 
-using testing::ElementsAre;
-
-std::string hex(std::uint32_t number) {
-    std::array<char, 9> text{};
-    std::snprintf(text.data(), text.size(), "%08X", number);
-    return text.data();
+std::string word(std::uint32_t number) {
+    char text[12];
+    std::snprintf(text, sizeof text, " %08X", number);
+    return text;
 }
 
 /// Writes down what is asked of the board.
-class Recorder : public BoardAccess {
- public:
+struct Recorder : BoardAccess {
     std::optional<std::uint32_t> readRegister(std::uint32_t address) override {
-        log.push_back("read " + hex(address));
+        log += "read" + word(address) + "\n";
         return value;
     }
     void writeRegister(std::uint32_t address, std::uint32_t written) override {
-        log.push_back("write " + hex(address) + " " + hex(written));
+        log += "write" + word(address) + word(written) + "\n";
     }
-    void runShell(const char* command) override { log.emplace_back(command); }
-    void wait(std::int64_t microseconds) override {
-        log.push_back("wait " + std::to_string(microseconds));
-    }
+    void runShell(const char* command) override { log += std::string(command) + "\n"; }
+    void wait(std::int64_t us) override { log += "wait " + std::to_string(us) + "\n"; }
 
     std::optional<std::uint32_t> value;
-    std::vector<std::string> log;
+    std::string log;
 };
 
-std::vector<std::string> bringUp(std::string_view identifier,
-                                 std::optional<std::uint32_t> value = 0) {
+std::string bringUp(std::string_view identifier, std::optional<std::uint32_t> value = 0) {
     Recorder board;
     board.value = value;
     bringUpBoard(identifier, board);
@@ -48,89 +35,80 @@ std::vector<std::string> bringUp(std::string_view identifier,
 }
 
 TEST(BringUpBoard, RunsEachBoardsSequenceInOrder) {
-    EXPECT_THAT(bringUp("BOARDA00001_0001_R1", 0xF000000F),
-                ElementsAre("write 120F0170 00000000", "read 12220400", "write 12220400 F000000F",
-                            "read 12220020", "write 12220020 F0000007", "wait 1000000",
-                            "write 120F0170 00000001"));
-    EXPECT_THAT(bringUp("BOARDA00001_0001_R1", 0x10)[2], "write 12220400 00000018");
-    EXPECT_THAT(bringUp("BOARDB0002_002_R1"), ElementsAre());
-    EXPECT_THAT(bringUp("BOARDC0003_003_R1"),
-                ElementsAre("write 120F00FC 00000000", "write 120F0104 00000000", "wait 100000",
-                            "write 120F00FC 00000001", "write 120F0104 00000001"));
-}
-
-TEST(BringUpBoard, GivesUnknownBoardsTheShellSequence) {
-    for (const char* identifier :
+    const auto boardA = [](const std::string& first, const std::string& second) {
+        return "write 120F0170 00000000\nread 12220400\n" + first + "read 12220020\n" + second +
+               "wait 1000000\nwrite 120F0170 00000001\n";
+    };
+    EXPECT_EQ(bringUp("BOARDA00001_0001_R1", 0xF000000F),
+              boardA("write 12220400 F000000F\n", "write 12220020 F0000007\n"));
+    EXPECT_EQ(bringUp("BOARDA00001_0001_R12", 0x10),
+              boardA("write 12220400 00000018\n", "write 12220020 00000010\n"));
+    EXPECT_EQ(bringUp("BOARDA00001_0001_R1", std::nullopt), boardA("", "")) << "cannot be read";
+    EXPECT_EQ(bringUp("BOARDB0002_002_R1 rev 2"), "");
+    EXPECT_EQ(bringUp("BOARDC0003_003_R1x"),
+              "write 120F00FC 00000000\nwrite 120F0104 00000000\nwait 100000\n"
+              "write 120F00FC 00000001\nwrite 120F0104 00000001\n");
+    for (const char* unknown :
          {"", "BOARDA00001_0001_R", "BOARDC0003_003_r1", "xBOARDB0002_002_R1"}) {
-        EXPECT_THAT(bringUp(identifier),
-                    ElementsAre("himm 0x120F02D8     0x0", "wait 200000", "himm 0x120F02D8     0x1",
-                                "wait 200000", "himm 0x120F02E0     0x0", "wait 200000",
-                                "himm 0x120F02E0     0x1", "wait 200000"))
-            << identifier;
+        EXPECT_EQ(bringUp(unknown),
+                  "himm 0x120F02D8     0x0\nwait 200000\nhimm 0x120F02D8     0x1\nwait 200000\n"
+                  "himm 0x120F02E0     0x0\nwait 200000\nhimm 0x120F02E0     0x1\nwait 200000\n");
     }
 }
 
-TEST(BringUpBoard, ComparesOnlyTheLeadingCharacters) {
-    EXPECT_EQ(bringUp("BOARDA00001_0001_R12"), bringUp("BOARDA00001_0001_R1"));
-    EXPECT_EQ(bringUp("BOARDB0002_002_R1 rev 2"), bringUp("BOARDB0002_002_R1"));
-    EXPECT_EQ(bringUp("BOARDC0003_003_R1x"), bringUp("BOARDC0003_003_R1"));
-}
-
-TEST(BringUpBoard, LeavesARegisterAloneThatItCannotRead) {
-    EXPECT_THAT(bringUp("BOARDA00001_0001_R1", std::nullopt),
-                ElementsAre("write 120F0170 00000000", "read 12220400", "read 12220020",
-                            "wait 1000000", "write 120F0170 00000001"));
-}
-
-class HardwareInfo : public testing::Test {
- protected:
-    HardwareInfo() { setPathPrefix(scratch_.path()); }
-    ~HardwareInfo() override { setPathPrefix(""); }
-
-    /// Result, identifier and printed lines for the file's text.
-    std::vector<std::string> read() {
-        std::array<char, kBoardNameSize> name{};
-        testing::internal::CaptureStdout();
-        const int result = readHdVersion(name.data());
-        return {std::to_string(result), name.data(), testing::internal::GetCapturedStdout()};
-    }
-    std::vector<std::string> read(const std::string& text) {
-        scratch_.put("version/hardware_info", text);
-        return read();
-    }
-
-    const Scratch scratch_;
-};
-
-TEST_F(HardwareInfo, GivesTheTextBetweenKeyAndQuote) {
-    const std::string text = "{\"board\": \"BOARDB0002_002_R1\", \"board\": \"other\"}";
-    EXPECT_THAT(read(text),
-                ElementsAre("1", "BOARDB0002_002_R1",
-                            "read hardware_info:" + text + "\nget hdVersion:BOARDB0002_002_R1\n"));
-    const std::string longest(63, 'b');
-    EXPECT_EQ(read("\"board\": \"" + longest + "\"")[1], longest);
-}
-
-TEST_F(HardwareInfo, WithoutAUsableIdentifierTheBoardIsUnknown) {
-    const std::string tooLong = "\"board\": \"" + std::string(64, 'b') + "\"";
-    EXPECT_THAT(read(tooLong), ElementsAre("1", "",
-                                           "read hardware_info:" + tooLong +
-                                               "\nboard identifier of 64 characters is no known "
-                                               "board\nget hdVersion:\n"));
-    const std::string beyondTheBuffer = "\"board\": \"" + std::string(300, 'b') + "\"";
-    for (const std::string& text :
-         {std::string("\"board\":\"BOARDB0002_002_R1\""), std::string("\"board\": \"BOARDB"),
-          std::string("\"board\": \""), std::string("\0\"board\": \"B\"", 13), beyondTheBuffer}) {
-        EXPECT_THAT(read(text),
-                    ElementsAre("1", "",
-                                "read hardware_info:" + std::string(text.substr(0, 256).c_str()) +
-                                    "\nget hdVersion:\n"));
+TEST(HardwareInfo, GivesTheTextBetweenKeyAndQuote) {
+    const Root root;
+    /// Result, identifier and printed lines.
+    const auto read = [] {
+        char name[kBoardNameSize] = "";
+        int result = 9;
+        const std::string printed = printedBy([&] { result = readHdVersion(name); });
+        return std::to_string(result) + " " + name + "\n" + printed;
+    };
+    EXPECT_EQ(read(), "0 \nopen hardware_info error\n");
+    root.put("version/hardware_info", "");
+    EXPECT_EQ(read(), "0 \n");
+    const std::string key = "\"board\": \"";
+    const std::string longest(63, 'b'), none = "no board identifier in hardware_info\n";
+    const std::tuple<std::string, std::string, std::string> rows[] = {
+        {"{" + key + "BOARDB0002_002_R1\", " + key + "other\"}", "BOARDB0002_002_R1", ""},
+        {key + longest + "\"", longest, ""},
+        {key + longest + "b\"", "", "board identifier of 64 characters is no known board\n"},
+        {key + std::string(300, 'b') + "\"", "", none},
+        {"\"board\":\"BOARDB0002_002_R1\"", "", none},
+        {key + "BOARDB", "", none},
+        {std::string(1, '\0') + key + "B\"", "", none},
+    };
+    for (const auto& [text, name, problem] : rows) {
+        root.put("version/hardware_info", text);
+        EXPECT_EQ(read(), "1 " + name + "\nread hardware_info:" + text.substr(0, 256).c_str() +
+                              "\n" + problem + "get hdVersion:" + name + "\n");
     }
 }
 
-TEST_F(HardwareInfo, MissingOrEmptyFileGivesNothing) {
-    EXPECT_THAT(read(), ElementsAre("0", "", "open hardware_info error\n"));
-    EXPECT_THAT(read(""), ElementsAre("0", "", ""));
+TEST(Registers, AreSeparateWordsUpToTheTopOfTheAddressSpace) {
+    const Root root;
+    std::uint32_t value = 7;
+    EXPECT_EQ(Hi_GetReg(0x1000, nullptr), static_cast<int>(0xA0028006U));
+    EXPECT_FALSE(std::filesystem::exists(root.path("dev"))) << "mapped without need";
+    std::filesystem::create_directories(root.path("dev/mem"));
+    EXPECT_EQ(Hi_GetReg(0x1002, &value) + Hi_SetReg(0x1001, 1), -2);
+    EXPECT_EQ(Hi_GetReg(0x1000, &value) + Hi_SetReg(0x1000, 1), -2);
+    EXPECT_EQ(value, 7U);
+    std::filesystem::remove(root.path("dev/mem"));
+
+    constexpr std::uint32_t kAddresses[] = {0, 0x120F0FFC, 0x120F1000, 0x80000000, 0xFFFFFFFC};
+    for (const std::uint32_t address : kAddresses) {
+        EXPECT_EQ(Hi_SetReg(address, ~address), 0) << std::hex << address;
+    }
+    for (const std::uint32_t address : kAddresses) {
+        EXPECT_EQ(Hi_GetReg(address, &value), 0);
+        EXPECT_EQ(value, ~address) << std::hex << address;
+    }
+    struct stat info {};
+    stat(root.path("dev/mem").c_str(), &info);
+    EXPECT_EQ(info.st_size, 0x100000000);
+    EXPECT_LT(info.st_blocks * 512, 1 << 20) << "the window is not sparse";
 }
 
 }  // namespace

@@ -1,16 +1,6 @@
 #include "config/software_config.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <filesystem>
-#include <functional>
-#include <memory>
-#include <thread>
-
-#include "app/base/path_prefix.h"
-#include "app/base/singleton.h"
-#include "unit/config/scratch.h"
+#include "unit/fixture.h"
 
 namespace {
 
@@ -25,112 +15,54 @@ std::string fixedMapLines(unsigned from = 0) {
     return lines;
 }
 
-std::string printed(const std::function<void()>& run) {
-    testing::internal::CaptureStdout();
-    run();
-    return testing::internal::GetCapturedStdout();
-}
-
-TEST(SoftwareConfig, SavesAndPrintsTheDefaultsAsTwentyThreeLines) {
-    const Scratch scratch;
-    SoftwareConfig config(scratch.path("ini"));
-    const std::string lines = "kUdpServerPort=80\n" + kHead + fixedMapLines();
-    EXPECT_EQ(printed([&] { EXPECT_TRUE(config.SaveConfig()); }),
-              "[SaveConfig]-110: save config succeed\n");
-    EXPECT_EQ(scratch.get("ini"), lines);
-    EXPECT_EQ(printed([&] { config.PrintConfig(); }), lines);
-}
-
-TEST(SoftwareConfig, KeepsItsFileBehindThePathPrefix) {
-    const Scratch scratch;
-    scratch.put("data/tav_rik.ini", "kUdpServerPort=81\n");
-    setPathPrefix(scratch.path());
-    const std::string out = printed([] {
-        auto config = std::make_unique<SoftwareConfig>();
-        EXPECT_TRUE(config->ReadConfig());
-        EXPECT_EQ(config->GetConfig(kServerPortIndex), "81");
-        EXPECT_TRUE(config->SaveConfig());
-    });
-    setPathPrefix("");
-    EXPECT_EQ(out,
-              "[ReadConfig]-69: read_config:/data/tav_rik.ini\n"
-              "[SaveConfig]-110: save config succeed\n"
-              "[~SoftwareConfig]-64: SoftwareConfig Normal Exit!\n");
-    EXPECT_EQ(scratch.get("data/tav_rik.ini"), "kUdpServerPort=81\n" + kHead + fixedMapLines());
-    EXPECT_EQ(Singleton<SoftwareConfig>::instance()->GetConfig(kOutNumIndex), "0");
-}
-
 TEST(SoftwareConfig, SettersFollowTheirTraps) {
     SoftwareConfig config("unused");
-    const std::string out = printed([&config] {
-        EXPECT_TRUE(config.SetConfigChar(3, "clear"));
-        EXPECT_EQ(config.GetConfig(3), "clear");
-        EXPECT_TRUE(config.SetConfig(3, "clearly"));
-        EXPECT_EQ(config.GetConfig(3), "");
-        EXPECT_TRUE(config.SetConfig(3, "clearly"));
-        EXPECT_EQ(config.GetConfig(3), "clearly");
-        EXPECT_TRUE(config.SetConfig(kOutNumIndex, -12));
-        EXPECT_EQ(config.GetConfig(kOutNumIndex), "-12");
-        EXPECT_EQ(config.outNum(), 0);
-        EXPECT_FALSE(config.SetConfig(kSettingCount, "x"));
-        EXPECT_FALSE(config.SetConfig(kSettingCount, 1));
-        EXPECT_EQ(config.GetConfig(kSettingCount), "error");
-        EXPECT_EQ(config.GetConfig(kSettingCount - 1), "");
-    });
-    EXPECT_EQ(out,
-              "set string\nset string\nset string\nsetconfig int\nset string\nsetconfig int\n");
-}
-
-TEST(SoftwareConfig, StoresNoTextThatWouldBecomeAnotherLine) {
-    SoftwareConfig config("unused");
-    config.SetConfig(2, "map\nkOutNum=9");
-    config.SetConfig(3, std::string("cmd\0rest", 8));
-    EXPECT_EQ(config.GetConfig(2), "map");
-    EXPECT_EQ(config.GetConfig(3), "cmd");
+    const auto set = [&config](const std::string& text) {
+        EXPECT_TRUE(config.SetConfigChar(3, text));
+        return config.GetConfig(3);
+    };
+    EXPECT_EQ(set("clear"), "clear");
+    EXPECT_EQ(set("clearly"), "");
+    EXPECT_EQ(set("clearly"), "clearly");
+    EXPECT_EQ(set("map\nkOutNum=9"), "map");
+    EXPECT_EQ(set(std::string("cmd\0rest", 8)), "cmd");
+    EXPECT_EQ(printedBy([&config] {
+                  EXPECT_TRUE(config.SetConfig(kOutNumIndex, -12));
+                  EXPECT_FALSE(config.SetConfig(kSettingCount, "x"));
+                  EXPECT_FALSE(config.SetConfig(kSettingCount, 1));
+              }),
+              "setconfig int\nset string\nsetconfig int\n");
+    EXPECT_EQ(config.GetConfig(kOutNumIndex), "-12");
+    EXPECT_EQ(config.outNum(), 0);
+    EXPECT_EQ(config.GetConfig(kSettingCount), "error");
+    EXPECT_EQ(config.GetConfig(kSettingCount - 1), "");
 }
 
 TEST(SoftwareConfig, ReadingStopsAtTheFirstMissingKey) {
-    struct Row {
-        const char* what;
-        std::string text;
-        std::vector<std::pair<unsigned, std::string>> values;
-        std::int32_t outNum;
-    };
+    using Values = std::vector<std::pair<unsigned, std::string>>;
     const std::string fixed =
-        "kUdpServerPort=81\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\n"
-        "kHotCmd1=\nkHotCmd2=c2\n";
-    const Row rows[] = {
-        {"empty file", "", {{0, "80"}, {6, "0"}}, 0},
-        {"below the maps",
-         "kUdpServerPort=81\nkOutNum=3\nkOutIpmap0=a",
-         {{0, "81"}, {6, "0"}, {7, ""}},
-         0},
-        {"within the maps",
-         fixed + "kOutNum=3\nkOutIpmap0=a\nkOutIpmap1=b\nkOutIpmap3=d\n",
+        "kUdpServerPort=81\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\nkHotCmd1=\nkHotCmd2=c2\n";
+    const std::tuple<std::string, Values, int> rows[] = {
+        {"", {{0, "80"}, {6, "5"}}, 0},
+        {"kUdpServerPort=81\nkOutNum=3\nkOutIpmap0=a", {{0, "81"}, {6, "5"}, {7, ""}}, 0},
+        {fixed + "kOutNum=3\nkOutIpmap0=a\nkOutIpmap1=b\nkOutIpmap3=d\n",
          {{5, "c2"}, {6, "3"}, {7, "a"}, {8, "b"}, {10, ""}},
          3},
-        {"empty value keeps the default", fixed + "kOutNum=\nkOutIpmap0=", {{6, "0"}, {7, ""}}, 0},
-        {"number with a rest", fixed + "kOutNum= 12 walls", {{6, " 12 walls"}}, 12},
-        {"no number", fixed + "kOutNum=many", {{6, "many"}}, 0},
-        {"number beyond 32 bits", fixed + "kOutNum=99999999999", {{6, "99999999999"}}, INT32_MAX},
+        {fixed + "kOutNum=\nkOutIpmap0=", {{6, "5"}, {7, ""}}, 5},  // the value before stays
+        {fixed + "kOutNum= 12 walls", {{6, " 12 walls"}}, 12},
+        {fixed + "kOutNum=many", {{6, "many"}}, 0},
+        {fixed + "kOutNum=99999999999", {{6, "99999999999"}}, INT32_MAX},
     };
-    for (const Row& row : rows) {
+    for (const auto& [text, values, outNum] : rows) {
         const Scratch scratch;
-        SoftwareConfig config(scratch.put("ini", row.text));
+        SoftwareConfig config(scratch.put("ini", text));
+        config.SetConfig(kOutNumIndex, 5);
         EXPECT_TRUE(config.ReadConfig());
-        for (const auto& [index, value] : row.values) {
-            EXPECT_EQ(config.GetConfig(index), value) << row.what << ", setting " << index;
+        for (const auto& [index, value] : values) {
+            EXPECT_EQ(config.GetConfig(index), value) << text << ", setting " << index;
         }
-        EXPECT_EQ(config.outNum(), row.outNum) << row.what;
+        EXPECT_EQ(config.outNum(), outNum) << text;
     }
-}
-
-TEST(SoftwareConfig, ReadingThatStopsBelowTheMapsLeavesTheNumberAlone) {
-    const Scratch scratch;
-    SoftwareConfig config(scratch.put("ini", "kUdpServerPort=81\n"));
-    config.SetConfig(kOutNumIndex, 5);
-    config.ReadConfig();
-    EXPECT_EQ(config.outNum(), 0);
 }
 
 TEST(SoftwareConfig, AFileThatCannotBeMeantIsSetAsideWhole) {
@@ -147,44 +79,21 @@ TEST(SoftwareConfig, AFileThatCannotBeMeantIsSetAsideWhole) {
         const Scratch scratch;
         const std::string path = scratch.put("ini", text);
         SoftwareConfig config(path);
-        EXPECT_EQ(printed([&] { EXPECT_TRUE(config.ReadConfig()); }),
+        EXPECT_EQ(printedBy([&] { EXPECT_TRUE(config.ReadConfig()); }),
                   "[ReadConfig]-69: read_config:" + path + "\n" + path + " " + problem +
                       ": no settings loaded, file kept as " + path + ".refused\n");
-        EXPECT_EQ(config.GetConfig(kServerPortIndex), "80") << problem;
         EXPECT_TRUE(config.SaveConfig());
         EXPECT_TRUE(scratch.get("ini.refused") == text) << problem;
         EXPECT_EQ(scratch.get("ini"), "kUdpServerPort=80\n" + kHead + fixedMapLines());
     }
-}
-
-TEST(SoftwareConfig, ADirectoryInItsPlaceStaysThere) {
-    const Scratch scratch;
-    SoftwareConfig config(scratch.path());
-    scratch.put("file", "");
-    EXPECT_EQ(printed([&] {
-                  EXPECT_TRUE(config.ReadConfig());
-                  EXPECT_FALSE(config.SaveConfig());
-              }),
-              "[ReadConfig]-69: read_config:" + scratch.path() + "\n" + scratch.path() +
-                  " is not a regular file: no settings loaded\n"
-                  "[SaveConfig]-114: save config failed\n");
-    EXPECT_EQ(scratch.names(), std::set<std::string>{"file"});
-}
-
-TEST(SoftwareConfig, DoesNotSaveOverARefusedFileThatHasToStay) {
-    const Scratch scratch;
-    const std::string text("settings\0", 9);
-    const std::string path = scratch.put("ini", text);
-    chmod(path.c_str(), 0666);
-    chmod(scratch.path().c_str(), 0555);
-    {
-        const Unprivileged user;
-        SoftwareConfig config(path);
-        config.ReadConfig();
-        EXPECT_FALSE(config.SaveConfig());
-    }
-    chmod(scratch.path().c_str(), 0755);
-    EXPECT_EQ(scratch.get("ini"), text);
+    const Scratch directory;
+    directory.put("file", "");
+    SoftwareConfig config(directory.path());
+    EXPECT_EQ(printedBy([&] { EXPECT_TRUE(config.ReadConfig()); }),
+              "[ReadConfig]-69: read_config:" + directory.path() + "\n" + directory.path() +
+                  " is not a regular file: no settings loaded\n");
+    EXPECT_FALSE(config.SaveConfig());
+    EXPECT_EQ(directory.names(), std::set<std::string>{"file"});
 }
 
 TEST(SoftwareConfig, TakesLongValuesWholeAndEndsTheFileAtTheFirstEmptyMap) {
@@ -199,30 +108,7 @@ TEST(SoftwareConfig, TakesLongValuesWholeAndEndsTheFileAtTheFirstEmptyMap) {
                                           fixedMapLines(1) + "kOutIpmap16=" + wall + "\n");
     SoftwareConfig next(scratch.path("ini"));
     next.ReadConfig();
-    EXPECT_TRUE(next.GetConfig(kFirstMapIndex) == wall);
-    EXPECT_TRUE(next.GetConfig(kAlwaysWritten) == wall);
-}
-
-TEST(SoftwareConfig, SavesOfSeveralThreadsEndWithTheNewestTable) {
-    const Scratch scratch;
-    SoftwareConfig config(scratch.path("ini"));
-    const auto work = [&config](unsigned index) {
-        for (int round = 1; round <= 100; ++round) {
-            config.SetConfig(index, round);
-            EXPECT_TRUE(config.SaveConfig());
-        }
-    };
-    printed([&work] {
-        std::thread first(work, 1);
-        std::thread second(work, 2);
-        first.join();
-        second.join();
-    });
-    SoftwareConfig saved(scratch.path("ini"));
-    saved.ReadConfig();
-    EXPECT_EQ(saved.GetConfig(1), "100");
-    EXPECT_EQ(saved.GetConfig(2), "100");
-    EXPECT_EQ(scratch.names(), std::set<std::string>{"ini"});
+    EXPECT_TRUE(next.GetConfig(kFirstMapIndex) == wall && next.GetConfig(kAlwaysWritten) == wall);
 }
 
 }  // namespace

@@ -1,18 +1,32 @@
 #include "config/whole_file.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/time.h>
 
 #include <csignal>
-#include <filesystem>
 
-#include "unit/config/scratch.h"
+#include "config/software_config.h"
+#include "unit/fixture.h"
 
 namespace {
 
 using Names = std::set<std::string>;
+
+/// File access as an ordinary user, when the tests run as root.
+class Unprivileged {
+ public:
+    Unprivileged() : changed_(geteuid() == 0 && seteuid(65534) == 0) {}
+    ~Unprivileged() {
+        if (changed_ && seteuid(0) != 0) {
+            std::abort();
+        }
+    }
+    Unprivileged(const Unprivileged&) = delete;
+    Unprivileged& operator=(const Unprivileged&) = delete;
+
+ private:
+    bool changed_;
+};
 
 mode_t permissionsOf(const std::string& path) {
     struct stat info {};
@@ -20,34 +34,28 @@ mode_t permissionsOf(const std::string& path) {
     return info.st_mode & 07777;
 }
 
-TEST(WholeFile, KeepsPermissionsAndLinksAndLeavesNothingElse) {
+TEST(WholeFile, KeepsPermissionsAndLinksAndNeverGoesBackInTime) {
     const Scratch scratch;
     EXPECT_TRUE(WholeFile(scratch.path("new")).replace("text", 1));
     EXPECT_EQ(permissionsOf(scratch.path("new")), 0644U);
-
     const std::string old = scratch.put("old", "a longer text than the next one");
     chmod(old.c_str(), 0640);
     std::filesystem::create_symlink("old", scratch.path("link"));
-    EXPECT_TRUE(WholeFile(scratch.path("link")).replace("next", 1));
+    WholeFile link(scratch.path("link"));
+    EXPECT_TRUE(link.replace("next", 2));
+    EXPECT_TRUE(link.replace("a save that was overtaken", 1));
     EXPECT_EQ(scratch.get("old"), "next");
     EXPECT_EQ(permissionsOf(old), 0640U);
     EXPECT_TRUE(std::filesystem::is_symlink(scratch.path("link")));
     EXPECT_EQ(scratch.names(), (Names{"new", "old", "link"}));
 }
 
-TEST(WholeFile, AnOlderTextNeverReplacesANewerOne) {
-    const Scratch scratch;
-    WholeFile file(scratch.path("file"));
-    EXPECT_TRUE(file.replace("second", 2));
-    EXPECT_TRUE(file.replace("first", 1));
-    EXPECT_EQ(scratch.get("file"), "second");
-    EXPECT_EQ(scratch.names(), Names{"file"});
-}
-
-TEST(WholeFile, WritesInPlaceWhereTheDirectoryRefuses) {
+TEST(WholeFile, IsWrittenInPlaceWhereTheDirectoryRefuses) {
     const Scratch scratch;
     const std::string path = scratch.put("file", "the old and longer text");
+    const std::string unusable("settings\0", 9);
     chmod(path.c_str(), 0666);
+    chmod(scratch.put("ini", unusable).c_str(), 0666);
     chmod(scratch.path().c_str(), 0555);
     {
         const Unprivileged user;
@@ -55,10 +63,14 @@ TEST(WholeFile, WritesInPlaceWhereTheDirectoryRefuses) {
         EXPECT_TRUE(file.replace("second", 2));
         EXPECT_TRUE(file.replace("first", 1));
         EXPECT_FALSE(WholeFile(scratch.path("missing")).replace("text", 1));
+        SoftwareConfig config(scratch.path("ini"));
+        config.ReadConfig();
+        EXPECT_FALSE(config.SaveConfig()) << "over settings that could not be set aside";
     }
     chmod(scratch.path().c_str(), 0755);
     EXPECT_EQ(scratch.get("file"), "second");
-    EXPECT_EQ(scratch.names(), Names{"file"});
+    EXPECT_EQ(scratch.get("ini"), unusable);
+    EXPECT_EQ(scratch.names(), (Names{"file", "ini"}));
 }
 
 TEST(WholeFile, KeepsTheOldTextWhenTheDiskTakesNoMore) {
@@ -77,29 +89,26 @@ TEST(WholeFile, KeepsTheOldTextWhenTheDiskTakesNoMore) {
     EXPECT_EQ(scratch.names(), Names{"file"});
 }
 
-TEST(WholeFile, FailsOnWhatIsNoFileToWrite) {
+TEST(WholeFile, FailsOnWhatIsNoFileToWriteAndRemovesOnlyOldFilesOfItsOwn) {
     const Scratch scratch;
     std::filesystem::create_directory(scratch.path("directory"));
     ASSERT_EQ(mkfifo(scratch.path("fifo").c_str(), 0666), 0);
     chmod(scratch.put("readonly", "old").c_str(), 0444);
     chmod(scratch.path().c_str(), 0777);
-    const Unprivileged user;
-    for (const char* name : {"directory", "fifo", "readonly", "missing/file"}) {
-        EXPECT_FALSE(WholeFile(scratch.path(name)).replace("text", 1)) << name;
+    {
+        const Unprivileged user;
+        for (const char* name : {"directory", "fifo", "readonly", "missing/file"}) {
+            EXPECT_FALSE(WholeFile(scratch.path(name)).replace("text", 1)) << name;
+        }
     }
-    EXPECT_EQ(scratch.names(), (Names{"directory", "fifo", "readonly"}));
-}
-
-TEST(WholeFile, RemovesOnlyOldTemporaryFilesOfItsOwn) {
-    const Scratch scratch;
-    for (const char* name : {"file", "file.tmp-Ab12Cd", "file.tmp-toolong", "other.tmp-Ab12Cd"}) {
+    for (const char* name : {"fifo.tmp-Ab12Cd", "fifo.tmp-toolong", "other.tmp-Ab12Cd"}) {
         const timeval old[2] = {{1000, 0}, {1000, 0}};
         utimes(scratch.put(name, "x").c_str(), old);
     }
-    scratch.put("file.tmp-Young1", "x");
-    WholeFile(scratch.path("file")).removeLeftovers();
-    EXPECT_EQ(scratch.names(),
-              (Names{"file", "file.tmp-toolong", "other.tmp-Ab12Cd", "file.tmp-Young1"}));
+    scratch.put("fifo.tmp-Young1", "x");
+    WholeFile(scratch.path("fifo")).removeLeftovers();
+    EXPECT_EQ(scratch.names(), (Names{"directory", "fifo", "readonly", "fifo.tmp-toolong",
+                                      "other.tmp-Ab12Cd", "fifo.tmp-Young1"}));
 }
 
 }  // namespace

@@ -1,67 +1,58 @@
-#include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
 #include <array>
 #include <map>
 #include <set>
 #include <sstream>
-#include <string>
 #include <vector>
 
 #include "app/base/inputevent.h"
-#include "unit/net/open_socket.h"
+#include "unit/fixture.h"
 
 namespace {
 
 using Report = std::array<std::uint8_t, 12>;
 
-/// Evdev code, name, HID usage or modifier bit, and what its release does: sent, dropped, modifier.
+/// Name and HID usage or modifier bit of every key, from the evdev code behind an @ upwards. "m"
+/// marks a modifier, "-" a key whose release is not sent.
 constexpr const char* kKeys = R"(
-    1 ESC 29 up; 2 1 1E up; 3 2 1F up; 4 3 20 up; 5 4 21 up; 6 5 22 up; 7 6 23 up; 8 7 24 up;
-    9 8 25 up; 10 9 26 up; 11 0 27 up; 12 MINUS 2D up; 13 EQUAL 2E up; 14 BACKSPACE 2A up;
-    15 TAB 2B up; 16 Q 14 up; 17 W 1A up; 18 E 08 up; 19 R 15 up; 20 T 17 up; 21 Y 1C up;
-    22 U 18 up; 23 I 0C up; 24 O 12 up; 25 P 13 up; 26 LEFTBRACE 2F up; 27 RIGHTBRACE 30 up;
-    28 ENTER 28 up; 29 LEFTCTRL 01 mod; 30 A 04 up; 31 S 16 up; 32 D 07 up; 33 F 09 up;
-    34 G 0A up; 35 H 0B up; 36 J 0D up; 37 K 0E up; 38 L 0F up; 39 SEMICOLON 33 up;
-    40 APOSTROPHE 34 up; 41 GRAVE 35 up; 42 LEFTSHIFT 02 mod; 43 BACKSLASH 31 up; 44 Z 1D up;
-    45 X 1B up; 46 C 06 up; 47 V 19 up; 48 B 05 up; 49 N 11 up; 50 M 10 up; 51 COMMA 36 up;
-    52 DOT 37 up; 53 SLASH 38 up; 54 LEFTSHIFT 20 mod; 55 KPASTERISK 55 up; 56 LEFTALT 04 mod;
-    57 SPACE 2C up; 58 CAPSLOCK 39 up; 59 F1 3A up; 60 F2 3B up; 61 F3 3C up; 62 F4 3D up;
-    63 F5 3E up; 64 F6 3F up; 65 F7 40 up; 66 F8 41 up; 67 F9 42 up; 68 F10 43 up; 69 NMLK 53 up;
-    70 SCRLK 47 up; 71 KP7 5F up; 72 KP8 60 up; 73 KP9 61 up; 74 KPMINUS 56 up; 75 KP4 5C up;
-    76 KP5 5D up; 77 KP6 5E up; 78 KPPLUS 57 up; 79 KP1 59 up; 80 KP2 5A up; 81 KP3 5B up;
-    82 KP0 62 up; 83 KPDOT 63 up; 85 ZENKAKUHANKAKU 94 --; 86 102ND 64 --; 87 F11 44 up;
-    88 F12 45 up; 89 RO 87 --; 90 KATAKANA 92 --; 91 HIRAGANA 93 --; 92 HENKAN 8A --;
-    93 KATAKANAHIRAGANA 88 --; 94 MUHENKAN 8B --; 95 KPJPCOMMA 8C --; 96 KPENTER 58 up;
-    97 LEFTCTRL 10 mod; 98 KPSLASH 54 up; 99 SYSRQ 46 up; 100 LEFTALT 40 mod; 102 HOME 4A up;
-    103 UP 52 up; 104 PGUP 4B up; 105 LEFT 50 up; 106 RIGHT 4F up; 107 END 4D up; 108 DOWN 51 up;
-    109 PGDN 4E up; 110 INSERT 49 up; 111 DELETE 4C up; 113 MUTE 7F --; 114 VOLUMEDOWN 81 --;
-    115 VOLUMEUP 80 --; 116 POWER 66 --; 117 KPEQUAL 67 --; 119 PAUSE 48 up; 121 KPCOMMA 85 --;
-    122 HANGEUL 90 --; 123 HANJA 91 --; 124 YEN 89 --; 125 WIN 08 mod; 126 WIN 80 mod;
-    127 COMPOSE 65 up; 128 STOP 78 --; 129 AGAIN 79 --; 130 PROPS 76 --; 131 UNDO 7A --;
-    132 FRONT 77 --; 133 COPY 7C --; 134 OPEN 74 --; 135 PASTE 7D --; 136 FIND 7E --;
-    137 CUT 7B --; 138 HELP 75 --; 140 CALC FB --; 142 SLEEP F8 --; 150 WWW F0 --;
-    152 COFFEE F9 --; 158 BACK F1 --; 159 FORWARD F2 --; 161 EJECTCD EC --; 163 NEXTSONG EB --;
-    164 PLAYPAUSE E8 --; 165 PREVIOUSSONG EA --; 166 STOPCD E9 --; 173 REFRESH FA --;
-    176 EDIT F7 --; 177 SCROLLUP F5 --; 178 SCROLLDOWN F6 --; 179 KPLEFTPAREN B6 --;
-    180 KPRIGHTPAREN B7 --; 183 F13 68 up; 184 F14 69 --; 185 F15 6A --; 186 F16 6B --;
-    187 F17 6C --; 188 F18 6D --; 189 F19 6E --; 190 F20 6F --; 191 F21 70 --; 192 F22 71 --;
-    193 F23 72 --; 194 F24 73 --;
+    @1 ESC 29 1 1E 2 1F 3 20 4 21 5 22 6 23 7 24 8 25 9 26 0 27 MINUS 2D EQUAL 2E BACKSPACE 2A
+    TAB 2B Q 14 W 1A E 08 R 15 T 17 Y 1C U 18 I 0C O 12 P 13 LEFTBRACE 2F RIGHTBRACE 30 ENTER 28
+    LEFTCTRL 01m A 04 S 16 D 07 F 09 G 0A H 0B J 0D K 0E L 0F SEMICOLON 33 APOSTROPHE 34 GRAVE 35
+    LEFTSHIFT 02m BACKSLASH 31 Z 1D X 1B C 06 V 19 B 05 N 11 M 10 COMMA 36 DOT 37 SLASH 38
+    LEFTSHIFT 20m KPASTERISK 55 LEFTALT 04m SPACE 2C CAPSLOCK 39 F1 3A F2 3B F3 3C F4 3D F5 3E
+    F6 3F F7 40 F8 41 F9 42 F10 43 NMLK 53 SCRLK 47 KP7 5F KP8 60 KP9 61 KPMINUS 56 KP4 5C KP5 5D
+    KP6 5E KPPLUS 57 KP1 59 KP2 5A KP3 5B KP0 62 KPDOT 63 @85 ZENKAKUHANKAKU 94- 102ND 64- F11 44
+    F12 45 RO 87- KATAKANA 92- HIRAGANA 93- HENKAN 8A- KATAKANAHIRAGANA 88- MUHENKAN 8B-
+    KPJPCOMMA 8C- KPENTER 58 LEFTCTRL 10m KPSLASH 54 SYSRQ 46 LEFTALT 40m @102 HOME 4A UP 52
+    PGUP 4B LEFT 50 RIGHT 4F END 4D DOWN 51 PGDN 4E INSERT 49 DELETE 4C @113 MUTE 7F-
+    VOLUMEDOWN 81- VOLUMEUP 80- POWER 66- KPEQUAL 67- @119 PAUSE 48 @121 KPCOMMA 85- HANGEUL 90-
+    HANJA 91- YEN 89- WIN 08m WIN 80m COMPOSE 65 STOP 78- AGAIN 79- PROPS 76- UNDO 7A- FRONT 77-
+    COPY 7C- OPEN 74- PASTE 7D- FIND 7E- CUT 7B- HELP 75- @140 CALC FB- @142 SLEEP F8- @150 WWW F0-
+    @152 COFFEE F9- @158 BACK F1- FORWARD F2- @161 EJECTCD EC- @163 NEXTSONG EB- PLAYPAUSE E8-
+    PREVIOUSSONG EA- STOPCD E9- @173 REFRESH FA- @176 EDIT F7- SCROLLUP F5- SCROLLDOWN F6-
+    KPLEFTPAREN B6- KPRIGHTPAREN B7- @183 F13 68 F14 69- F15 6A- F16 6B- F17 6C- F18 6D- F19 6E-
+    F20 6F- F21 70- F22 71- F23 72- F24 73-
 )";
 
 struct Key {
     int code = 0;
     std::string name;
     int value = 0;
-    std::string release;
+    char release = '\0';
 };
 
 std::vector<Key> expectedKeys() {
     std::vector<Key> keys;
-    std::istringstream rows(kKeys);
-    for (Key key; rows >> key.code >> key.name >> std::hex >> key.value >> std::dec >> key.release;
-         keys.push_back(key)) {
-        key.release.pop_back();  // the semicolon
+    std::istringstream words(kKeys);
+    int code = 0;
+    for (std::string name, usage; words >> name; ++code) {
+        if (name[0] == '@') {
+            code = std::stoi(name.substr(1));
+            words >> name;
+        }
+        words >> usage;
+        keys.push_back({code, name, std::stoi(usage, nullptr, 16), usage.back()});
     }
     return keys;
 }
@@ -96,17 +87,17 @@ TEST_F(KeyReport, EveryKeyIsPressedAndReleasedAsItsRowSays) {
     for (const Key& key : keys) {
         SCOPED_TRACE(key.code);
         handled.insert(key.code);
-        const bool modifier = key.release == "mod";
+        const bool modifier = key.release == 'm';
         report = {0, 0, 0, 0, 0, 0xEE};
         EXPECT_EQ(press(key.code), 11);
         EXPECT_STREQ(name.data(), key.name.c_str());
         expectHeld(modifier ? key.value : 0, modifier ? 0xEE : key.value);
 
         report = {0, 0, 0, 0xFF, 0, 0xEE};
-        EXPECT_EQ(release(key.code), key.release == "--" ? 0 : 11);
+        EXPECT_EQ(release(key.code), key.release == '-' ? 0 : 11);
         // Right Win clears left Win's bit.
         const int cleared = key.code == KEY_RIGHTMETA ? 0x08 : key.value;
-        expectHeld(modifier ? 0xFF & ~cleared : 0xFF, key.release == "up" ? 0 : 0xEE);
+        expectHeld(modifier ? 0xFF & ~cleared : 0xFF, modifier || key.release == '-' ? 0xEE : 0);
         EXPECT_EQ(printed.empty(), !modifier) << printed;
     }
     for (int code = -1; code <= 0x2FF; ++code) {
@@ -121,23 +112,18 @@ TEST_F(KeyReport, EveryKeyIsPressedAndReleasedAsItsRowSays) {
 }
 
 TEST_F(KeyReport, CarriesOneKeyAtATimeAndEveryHeldModifier) {
-    press(KEY_LEFTSHIFT);
-    press(KEY_A);
-    press(KEY_RIGHTALT);
-    press(KEY_B);
+    for (const int code : {KEY_LEFTSHIFT, KEY_A, KEY_RIGHTALT, KEY_B}) {
+        press(code);
+    }
     expectHeld(0x42, 0x05);
     release(KEY_A);
     expectHeld(0x42, 0);  // whichever key it was
-}
-
-TEST_F(KeyReport, RightWinStaysSetUntilTheReportIsCleared) {
+    report = {};
     press(KEY_LEFTMETA);
     press(KEY_RIGHTMETA);
     release(KEY_RIGHTMETA);
-    expectHeld(0x80, 0);
+    expectHeld(0x80, 0);  // right Win stays set until the report is cleared
     EXPECT_EQ(printed, "rightmeta keyup\n");
-    release(KEY_LEFTMETA);
-    expectHeld(0x80, 0);
 }
 
 TEST_F(KeyReport, LockKeysToggleOnPressesOnly) {
@@ -153,22 +139,16 @@ TEST_F(KeyReport, LockKeysToggleOnPressesOnly) {
 }
 
 TEST_F(KeyReport, EveryHotkeyTextIsPrefixThenName) {
-    const std::map<int, std::string> prefixes = {{0x01, "LEFTCTRL+"},
-                                                 {0x10, "LEFTCTRL+"},
-                                                 {0x02, "LEFTSHIFT+"},
-                                                 {0x20, "LEFTSHIFT+"},
-                                                 {0x03, "LEFTCTRL+LEFTSHIFT+"},
-                                                 {0x30, "LEFTCTRL+LEFTSHIFT+"},
-                                                 {0x04, "LEFTALT+"},
-                                                 {0x40, "LEFTALT+"},
-                                                 {0x05, "LEFTCTRL+LEFTALT+"},
-                                                 {0x50, "LEFTCTRL+LEFTALT+"},
-                                                 {0x06, "LEFTSHIFT+LEFTALT+"},
-                                                 {0x60, "LEFTSHIFT+LEFTALT+"},
-                                                 {0x08, "WIN+"}};
+    const std::string ctrl = "LEFTCTRL+", shift = "LEFTSHIFT+", alt = "LEFTALT+";
+    std::map<int, std::string> prefixes{{0x08, "WIN+"}};
+    for (const int side : {0x01, 0x10}) {
+        prefixes.insert({{side, ctrl}, {2 * side, shift}, {4 * side, alt}});
+        prefixes.insert(
+            {{3 * side, ctrl + shift}, {5 * side, ctrl + alt}, {6 * side, shift + alt}});
+    }
     std::map<int, std::string> names;
     for (const Key& key : expectedKeys()) {
-        if (key.release != "mod" && key.value >= 4 && key.value <= 101 && key.value != 0x64) {
+        if (key.release != 'm' && key.value >= 4 && key.value <= 101 && key.value != 0x64) {
             names[key.value] = key.name;
         }
     }

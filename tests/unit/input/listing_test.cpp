@@ -1,11 +1,7 @@
 #include "input/listing.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "input/discovery.h"
-#include "unit/net/open_socket.h"
+#include "unit/fixture.h"
 
 namespace {
 
@@ -22,18 +18,15 @@ std::string names(const InputDeviceList& list) {
 }
 
 struct Discovery : testing::Test {
-    /// One pass over the listing as the supervisor makes it.
-    void take(const std::string& text, bool restart = false) {
+    /// One pass over the listing as the supervisor makes it: "keyboards|mice|touch panels".
+    std::string take(const std::string& text, bool restart = false) {
         const DeviceListing listing = takeListing(text);
         printed = printedBy([&] { recognisePanel(events, listing, restart, touchByName); });
         printed += printedBy([&] { classifyLines(events, listing, touchByName); });
+        return names(events.keyDevices) + "|" + names(events.mouseDevices) + "|" +
+               names(events.touchDevices);
     }
-
-    void expectDevices(const char* keyboards, const char* mice, const char* touch) {
-        EXPECT_EQ(names(events.keyDevices), keyboards) << printed;
-        EXPECT_EQ(names(events.mouseDevices), mice) << printed;
-        EXPECT_EQ(names(events.touchDevices), touch) << printed;
-    }
+    bool saidFirst(const std::string& line) const { return printed.starts_with(line); }
 
     inputevent_ events;
     bool touchByName = false;
@@ -54,8 +47,7 @@ TEST_F(Discovery, PanelsAreRecognisedByName) {
         {"ILITEK Multi-Touch-V5000", 1, 16384, 9600, 16384, 9600, 1, false,
          "get new V5000 systerm old touch", ""},
         {"Melfas LGDisplay", 2, 4080, 4080, 4080, 4080, 1, true, "get LG systerm old touch", ""},
-        {"Siliconworks", 3, 32627, 32475, 32446, 32173, 1, true, "get Siw systerm  touch", ""},
-    };
+        {"Siliconworks", 3, 32627, 32475, 32446, 32173, 1, true, "get Siw systerm  touch", ""}};
     for (const auto& row : rows) {
         for (const bool restart : {false, true}) {
             SCOPED_TRACE(std::string(row.name) + (restart ? ", restart" : ", first pass"));
@@ -63,7 +55,7 @@ TEST_F(Discovery, PanelsAreRecognisedByName) {
             events.ilitekTouch = touchByName = false;
             take(text, restart);
             const bool other = restart && !row.restartLine.empty();
-            EXPECT_EQ(printed.find((other ? row.restartLine : row.line) + " event-->event4\n"), 0U)
+            EXPECT_TRUE(saidFirst((other ? row.restartLine : row.line) + " event-->event4\n"))
                 << printed;
             EXPECT_EQ(events.touchType, row.type);
             EXPECT_EQ(events.touchMaxX, restart ? row.restartMaxX : row.maxX);
@@ -80,118 +72,76 @@ TEST_F(Discovery, PanelsAreRecognisedByName) {
 }
 
 TEST_F(Discovery, WithoutAPanelTheFlagsAreClearedAndTheRangeStays) {
-    take(device("ILITEK ILITEK-TP", "mouse0 event2"));
+    const std::string panel = device("ILITEK ILITEK-TP", "mouse0 event2");
+    take("V06.00.00.00\n" + panel);
     EXPECT_EQ(printed, "get new touch event-->event2\nthis is touch event\n");
-    take(device("My ILITEK ILITEK-TP", "kbd event1"), true);
+    EXPECT_EQ(events.touchFwV06, 0) << "looked for after the node";
+    take(panel + "S: V06.00.00.00\n");
+    EXPECT_EQ(take(device("My ILITEK ILITEK-TP", "kbd event1"), true), "event1||");
     EXPECT_EQ(printed, "not get newTouch\nget key event-->event1\n");
-    EXPECT_EQ(events.ilitekTouch, 0);
-    EXPECT_FALSE(touchByName);
+    EXPECT_EQ(events.ilitekTouch + touchByName, 0);
     EXPECT_EQ(events.touchMaxX, 16384);
-    expectDevices("event1", "", "");
+    EXPECT_EQ(events.touchFwV06, 1) << "never forgotten";
     take(device("Plain Keyboard", "kbd event1"));
     EXPECT_EQ(printed, "not Touch\nget key event-->event1\n");
 }
 
-TEST_F(Discovery, FirmwareV06IsLookedForAfterTheNodeAndNeverForgotten) {
-    take("V06.00.00.00\n" + device("ILITEK ILITEK-TP", "mouse0 event2"));
-    EXPECT_EQ(events.touchFwV06, 0);
-    take(device("ILITEK ILITEK-TP", "mouse0 event2") + "S: V06.00.00.00\n");
-    EXPECT_EQ(events.touchFwV06, 1);
-    take(device("ILITEK ILITEK-TP", "mouse0 event2"));
-    EXPECT_EQ(events.touchFwV06, 1);
-}
-
-TEST_F(Discovery, ADoubledV5000TakesTwoSlots) {
-    take(device("ILITEK Multi-Touch-V5000", "mouse0 event2") +
-         device("ILITEK Multi-Touch-V5000 Mouse", "mouse1 event5"));
-    EXPECT_EQ(printed,
-              "get new V5000 systerm old touch event-->event2\n"
-              "get new V5000 systerm old touch event-->event5\n"
-              "this is touch event\nthis is touch event\n");
-    expectDevices("", "", "event2 event5");
-}
-
-TEST_F(Discovery, APanelsNodeIsCutToSixCharacters) {
-    take(device("Siliconworks", "mouse0 event12") + device("Mouse", "mouse1 event1"));
-    // The cut name is that of the other device: names are compared whole.
-    expectDevices("", "event12", "event1");
-}
-
 TEST_F(Discovery, HandlersDecideWhatADeviceIs) {
-    const struct {
-        const char* handlers;
-        const char* keyboards;
-        const char* mice;
-        const char* touch;
-    } rows[] = {
-        {"sysrq kbd event0", "event0", "", ""},
-        {"sysrq kbd leds event10", "event10", "", ""},
-        {"mouse0 event11", "", "event11", ""},
-        {"mouse0 event1 js0", "", "", "event1"},
-        {"js0 mouse0 event1", "", "event1", ""},
-        {"kbd mouse0 event1", "", "event1", ""},
-        {"mouse0 kbd event1", "event1", "event1", ""},
-        {"event3", "", "", ""},
-        {"kbd", "", "", ""},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.handlers);
-        take(device("Something", row.handlers));
-        expectDevices(row.keyboards, row.mice, row.touch);
+    for (const auto& [handlers, devices] : {std::pair{"sysrq kbd event0", "event0||"},
+                                            {"sysrq kbd leds event10", "event10||"},
+                                            {"mouse0 event11", "|event11|"},
+                                            {"mouse0 event1 js0", "||event1"},
+                                            {"js0 mouse0 event1", "|event1|"},
+                                            {"kbd mouse0 event1", "|event1|"},
+                                            {"mouse0 kbd event1", "event1|event1|"},
+                                            {"event3", "||"},
+                                            {"kbd", "||"}}) {
+        EXPECT_EQ(take(device("Something", handlers)), devices) << handlers;
     }
+    // A panel's node is cut to six characters; then names are compared whole.
+    EXPECT_EQ(take(device("Siliconworks", "mouse0 event12") + device("Mouse", "mouse1 event1")),
+              "|event12|event1");
+    EXPECT_EQ(take(device("ILITEK Multi-Touch-V5000", "mouse0 event2") +
+                   device("ILITEK Multi-Touch-V5000 Mouse", "mouse1 event5")),
+              "||event2 event5");
 }
 
 TEST_F(Discovery, AGenericPanelIsTakenOnlyWhereNoneWasNamed) {
     const std::string joystick = device("Panel", "mouse1 event7 js0");
-    take(device("Siliconworks", "mouse0 event2") + joystick);
-    expectDevices("", "", "event2");
-    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3 js1") + joystick, true);
-    expectDevices("", "", "");  // the pass before had a named one
+    const std::string panel = device("ILITEK Multi-Touch-V3000", "mouse0 event3 js1");
+    EXPECT_EQ(take(device("Siliconworks", "mouse0 event2") + joystick), "||event2");
+    EXPECT_EQ(take(panel + joystick, true), "||") << "the pass before had a named one";
     touchByName = false;
-    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3 js1") + joystick, true);
-    expectDevices("", "", "event3 event7");
-    EXPECT_NE(printed.find("get touch event-->event7\n"), std::string::npos) << printed;
-    take(device("ILITEK Multi-Touch-V3000", "mouse0 event3"), true);
-    expectDevices("", "event3", "");
+    EXPECT_EQ(take(panel + joystick, true), "||event3 event7");
+    EXPECT_EQ(take(device("ILITEK Multi-Touch-V3000", "mouse0 event3"), true), "|event3|");
 }
 
-TEST_F(Discovery, MoreThanEightDevicesOfAKindAreLeftOutWithOneLineEach) {
+TEST_F(Discovery, WhatIsTooMuchIsLeftOutWithOneLine) {
     std::string text;
     for (int i = 0; i < 10; ++i) {
         text += "H: Handlers=kbd event" + std::to_string(i) + " \n";
     }
-    take(text);
-    expectDevices("event0 event1 event2 event3 event4 event5 event6 event7", "", "");
+    EXPECT_EQ(take(text), "event0 event1 event2 event3 event4 event5 event6 event7||");
     EXPECT_NE(printed.find("left out event8\n"), std::string::npos) << printed;
     EXPECT_NE(printed.find("left out event9\n"), std::string::npos) << printed;
-}
-
-TEST(DeviceListingLimits, WholeHandlersLinesAreTakenAndTheRestIsCounted) {
-    const struct {
-        std::size_t lines, width, taken;
-    } rows[] = {{16, 20, 16}, {17, 20, 16}, {16, 63, 15}, {16, 62, 16}, {1, 1023, 0}, {1, 1022, 1}};
-    for (const auto& row : rows) {
-        std::string line = "H: Handlers=kbd";
-        line.resize(row.width, ' ');
-        std::string text;
-        for (std::size_t i = 0; i < row.lines; ++i) {
-            text += line + "\n";
+    EXPECT_EQ(take("N: Name=\"" + std::string(2048, 'x') + "\"\n" +
+                   device("Siliconworks", "mouse0 event2") + device("Board", "kbd event3")),
+              "event3|event2|")
+        << "the panel stands beyond the limit";
+    EXPECT_TRUE(saidFirst("input device list too long, left out ")) << printed;
+    EXPECT_EQ(take(""), "||");
+    const std::size_t rows[][3] = {{16, 20, 16}, {17, 20, 16}, {16, 63, 15},
+                                   {16, 62, 16}, {1, 1023, 0}, {1, 1022, 1}};
+    for (const auto& [lines, width, taken] : rows) {
+        std::string line = "H: Handlers=kbd", all;
+        line.resize(width, ' ');
+        for (std::size_t i = 0; i < lines; ++i) {
+            all += line + "\n";
         }
-        const DeviceListing listing = takeListing(text);
-        EXPECT_EQ(listing.handlers, text.substr(0, row.taken * (row.width + 1)));
-        EXPECT_EQ(listing.linesLeftOut, row.lines - row.taken);
+        const DeviceListing listing = takeListing(all);
+        EXPECT_EQ(listing.handlers, all.substr(0, taken * (width + 1)));
+        EXPECT_EQ(listing.linesLeftOut, lines - taken);
     }
-}
-
-TEST_F(Discovery, AListingBeyondItsLimitIsCutWithOneLine) {
-    const std::string filler(2048, 'x');
-    take("N: Name=\"" + filler + "\"\n" + device("Siliconworks", "mouse0 event2") +
-         device("Board", "kbd event3"));
-    EXPECT_EQ(events.touchDevices.count, 0U) << "the panel stands beyond the limit";
-    expectDevices("event3", "event2", "");
-    EXPECT_EQ(printed.find("input device list too long, left out "), 0U) << printed;
-    take("");
-    expectDevices("", "", "");
 }
 
 }  // namespace

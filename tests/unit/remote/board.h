@@ -1,47 +1,18 @@
 #pragma once
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdio>
-#include <filesystem>
-#include <functional>
 #include <stdexcept>
-#include <string>
-#include <string_view>
 
 #include "app/base/inputevent.h"
-#include "app/base/path_prefix.h"
 #include "app/base/state.h"
 #include "net/udp_socket.h"
 #include "remote/wall_map.h"
-#include "unit/config/scratch.h"
+#include "unit/fixture.h"
 
-inline std::string hex(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        std::array<char, 4> pair{};
-        std::snprintf(pair.data(), pair.size(), "%02x ", static_cast<unsigned char>(byte));
-        text += pair.data();
-    }
-    return text.substr(0, text.size() - (text.empty() ? 0 : 1));
-}
-
-template <std::size_t N>
-std::string hex(const std::array<std::uint8_t, N>& bytes) {
-    return hex(std::string_view(reinterpret_cast<const char*>(bytes.data()), N));
-}
-
-/// What `action` prints on standard output.
-inline std::string printedBy(const std::function<void()>& action) {
-    testing::internal::CaptureStdout();
-    action();
-    std::fflush(stdout);
-    return testing::internal::GetCapturedStdout();
-}
+inline constexpr const char* kKeysUp = "57 ab 01 00 00 00 00 00 00 00 00";
 
 /// A loopback address that no other process of the test run uses, for ports that are fixed.
 inline std::string ownAddress() {
@@ -55,10 +26,8 @@ class Box {
  public:
     explicit Box(std::string address, int at = 0)
         : ip(std::move(address)), fd_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in own{};
-        own.sin_family = AF_INET;
-        own.sin_addr.s_addr = inet_addr(ip.c_str());
-        own.sin_port = htons(static_cast<std::uint16_t>(at));
+        sockaddr_in own{
+            AF_INET, htons(static_cast<std::uint16_t>(at)), {inet_addr(ip.c_str())}, {}};
         socklen_t size = sizeof own;
         if (bind(fd_, reinterpret_cast<sockaddr*>(&own), size) != 0 ||
             getsockname(fd_, reinterpret_cast<sockaddr*>(&own), &size) != 0) {
@@ -78,9 +47,13 @@ class Box {
                                      reinterpret_cast<sockaddr*>(&sender_), &size);
         return got < 0 ? "nothing" : std::string(bytes.data(), static_cast<std::size_t>(got));
     }
-    std::string bytes() {
-        const std::string got = text();
-        return got == "nothing" ? got : hex(got);
+    /// All that arrived, in hex, one datagram after the other.
+    std::string all() {
+        std::string list;
+        for (std::string got; (got = text()) != "nothing";) {
+            list += (list.empty() ? "" : " | ") + hex(got);
+        }
+        return list;
     }
     /// Answers the sender of the last datagram that `asked` took.
     void answer(const std::string& reply, const Box& asked) const {
@@ -98,31 +71,19 @@ class Box {
     sockaddr_in sender_{};
 };
 
-/// The settings of this process live in a scratch directory.
-inline const Scratch& scratchSettings() {
-    static const Scratch scratch;
-    static const bool once = [] {
-        std::filesystem::create_directories(scratch.path("data"));
-        setPathPrefix(scratch.path());
-        return true;
-    }();
-    (void)once;
-    return scratch;
-}
-
-/// One console with the shared state as at start, and an open socket towards the boxes.
+/// One console with the shared state as at start, a scratch directory for its settings, and an open
+/// socket towards the boxes.
 class Board : public testing::Test {
  protected:
     Board() {
-        scratchSettings();
+        std::filesystem::create_directories(root.path("data"));
         for (Flag* flag : {&osdFlag, &clear_flag, &rel_enable, &is_user_ip, &vr_mouse}) {
             *flag = 0;
         }
         for (Guarded<AddressText>* address : {&curIp, &curName, &curOutIp, &localip}) {
             address->set({});
         }
-        qtFlag = 1;
-        startFlag = 1;
+        qtFlag = startFlag = 1;
         inputPort = 80;
         port_add = 0;
         user_ip.clear();
@@ -135,30 +96,22 @@ class Board : public testing::Test {
         toBoxes.CreateUDPServer(0, 1, true, true);
         InputSocket = &toBoxes;
     }
-    ~Board() override {
-        InputSocket = nullptr;
-        InputViSocket = nullptr;
-        KvmSetSocket = nullptr;
-    }
+    ~Board() override { InputSocket = InputViSocket = KvmSetSocket = nullptr; }
 
     /// Makes `box` the controlled one.
     static void control(const Box& box) {
         curIp.set(AddressText{box.ip});
         port_add = box.port - 80;
     }
-    static void controlUserBox(const Box& box) {
-        curIp.set(AddressText{box.ip});
-        is_user_ip = 1;
-    }
     static void listAsUserBox(const std::string& ip) {
         user_ip.emplace_back(ip);
         user_n = static_cast<std::int32_t>(user_ip.size());
     }
     static void placePointer(std::int32_t x, std::int32_t y) {
-        currentInfo.with([=](currentCtl& now) {
-            now.pointerX = x;
-            now.pointerY = y;
-        });
+        currentInfo.with([=](currentCtl& now) { now.pointerX = x, now.pointerY = y; });
+    }
+    static void placeCell(unsigned x, unsigned y) {
+        currentInfo.with([=](currentCtl& now) { now.cellX = x, now.cellY = y; });
     }
     /// "screen x,y cell x,y pointer x,y"
     static std::string place() {
@@ -178,6 +131,7 @@ class Board : public testing::Test {
         });
     }
 
+    const Root root;
     UDPSocket toBoxes;
     inputevent_ events;
 };

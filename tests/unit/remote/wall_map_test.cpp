@@ -1,5 +1,3 @@
-#include "remote/wall_map.h"
-
 #include <array>
 #include <vector>
 
@@ -12,102 +10,111 @@ namespace {
 
 class WallMap : public Board {
  protected:
-    WallMap() : config(Singleton<SoftwareConfig>::instance()) {
-        printedBy([this] {
-            config->SetConfig(kOutNumIndex, 0);
-            for (unsigned n = 0; n < 8; ++n) {
-                config->SetConfigChar(kFirstMapIndex + n, "");
-            }
-        });
+    WallMap() {
+        config->SetConfig(kOutNumIndex, 0);
+        for (unsigned n = 0; n < 8; ++n) {
+            config->SetConfigChar(kFirstMapIndex + n, "");
+        }
     }
     /// The wall as text, one screen a line, its size in front.
     static std::string wall() {
+        const auto size = [](auto columns, auto rows) {
+            return std::to_string(columns) + "x" + std::to_string(rows);
+        };
         const outInf all = outInfo_.copy();
-        std::string text = std::to_string(all.columns) + "x" + std::to_string(all.rows);
+        std::string text = size(all.columns, all.rows);
         for (const auto& [key, screen] : all.screens) {
-            text += " | " + mapLine(key, screen) + " " + std::to_string(screen.columns) + "x" +
-                    std::to_string(screen.rows);
+            text += " | " + mapLine(key, screen) + " " + size(screen.columns, screen.rows);
         }
         return text;
     }
-    std::string saved(unsigned n) const { return config->GetConfig(kFirstMapIndex + n); }
+    /// How many screens are saved, and their lines.
+    std::string saved() const {
+        std::string text;
+        for (unsigned n = 0; n < 8; ++n) {
+            text += "|" + config->GetConfig(kFirstMapIndex + n);
+        }
+        return config->GetConfig(kOutNumIndex) + text.substr(0, text.find_last_not_of('|') + 1);
+    }
+    /// What a map text of that kind prints, and its result.
+    static std::string set(const std::string& text, const char* kind, unsigned* key = nullptr) {
+        int result = 9;
+        const std::string printed = printedBy([&] { result = osdIpMapSet(text, kind, key); });
+        return printed + std::to_string(result);
+    }
 
-    std::shared_ptr<SoftwareConfig> config;
+    const std::shared_ptr<SoftwareConfig> config = Singleton<SoftwareConfig>::instance();
 };
 
 TEST(MapText, FieldsAreReadOneByOne) {
-    struct Row {
-        const char* text;
-        int x, y;
-        const char* name;
-        std::optional<std::string> port;
-    };
-    for (const Row& row :
-         {Row{"3,4,10.0.0.1-2", 3, 4, "10.0.0.1-2", std::nullopt},
-          Row{"3,4,10.0.0.1,9000", 3, 4, "10.0.0.1", "9000"}, Row{"0,0,a,1,2", 0, 0, "a", "1"},
-          Row{"0,0,a,", 0, 0, "a", ""}, Row{"x,-7,a", -1, -7, "a", std::nullopt},
-          Row{"5", 5, -1, "", std::nullopt}, Row{"", -1, -1, "", std::nullopt},
-          Row{"99999999999,1,a", 2147483647, 1, "a", {}}}) {
-        SCOPED_TRACE(row.text);
-        const MapEntry entry = parseMapEntry(row.text);
-        EXPECT_EQ(entry.x, row.x);
-        EXPECT_EQ(entry.y, row.y);
-        EXPECT_EQ(entry.name, row.name);
-        EXPECT_EQ(entry.port, row.port);
+    const std::tuple<const char*, int, int, const char*, std::optional<std::string>> rows[] = {
+        {"3,4,10.0.0.1-2", 3, 4, "10.0.0.1-2", std::nullopt},
+        {"3,4,10.0.0.1,9000", 3, 4, "10.0.0.1", "9000"},
+        {"0,0,a,1,2", 0, 0, "a", "1"},
+        {"0,0,a,", 0, 0, "a", ""},
+        {"x,-7,a", -1, -7, "a", std::nullopt},
+        {"5", 5, -1, "", std::nullopt},
+        {"", -1, -1, "", std::nullopt},
+        {"99999999999,1,a", 2147483647, 1, "a", std::nullopt}};
+    for (const auto& [text, x, y, name, port] : rows) {
+        const MapEntry entry = parseMapEntry(text);
+        EXPECT_EQ(std::tuple(entry.x, entry.y, entry.name, entry.port),
+                  std::tuple(x, y, name, port))
+            << text;
     }
     EXPECT_EQ(mapEntries("a#b#"), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(mapEntries("a##b"), (std::vector<std::string>{"a", "", "b"}));
-    EXPECT_TRUE(mapEntries("").empty());
 }
 
 TEST_F(WallMap, LineBecomesAScreenAndItsCells) {
     EXPECT_EQ(printedBy([] { CreatOutIpMap("1,0,10.0.0.1#2,1,10.0.1.1-8,9000#0,1,10.0.1.2"); }),
-              "1\n"
-              "out:x:1,y:0,outkey:0x10000->ip:10.0.0.1\n"
-              "get input port 9000\n"
+              "1\nout:x:1,y:0,outkey:0x10000->ip:10.0.0.1\nget input port 9000\n"
               "get osd data x:2 y:1 ip:10.0.1.1-8\n"
-              "outkey-->0x10000(0,0)-->inx:2,iny:1\n"
-              "in:xmax:3,ymax:2,ip:10.0.1.1-8\n"
+              "outkey-->0x10000(0,0)-->inx:2,iny:1\nin:xmax:3,ymax:2,ip:10.0.1.1-8\n"
               "get osd data x:0 y:1 ip:10.0.1.2\n"
-              "outkey-->0x10000(3,2)-->inx:0,iny:1\n"
-              "in:xmax:3,ymax:2,ip:10.0.1.2\n"
+              "outkey-->0x10000(3,2)-->inx:0,iny:1\nin:xmax:3,ymax:2,ip:10.0.1.2\n"
               "get osd data x:0 y:0 ip:0.0.0.0\n"
-              "outkey-->0x10000(3,2)-->inx:0,iny:0\n"
-              "in:xmax:3,ymax:2,ip:0.0.0.0\n");
+              "outkey-->0x10000(3,2)-->inx:0,iny:0\nin:xmax:3,ymax:2,ip:0.0.0.0\n");
     // Ports are not written back, cells come column by column.
-    EXPECT_EQ(wall(), "2x1 | 1,0,10.0.0.1#0,0,0.0.0.0#0,1,10.0.1.2#2,1,10.0.1.1-8 3x2");
+    const std::string before = "2x1 | 1,0,10.0.0.1#0,0,0.0.0.0#0,1,10.0.1.2#2,1,10.0.1.1-8 3x2";
+    EXPECT_EQ(wall(), before);
     EXPECT_EQ(inputPort, 80) << "the entry parsed last decides";
-    const std::string before = wall();
     CreatOutIpMap("1,0,10.9.9.9#0,0,10.9.9.8#0,1,10.9.9.7");
     EXPECT_EQ(wall(), before) << "what is there stays";
+    int x = 0;
+    int y = 0;
+    std::string name;
+    for (const auto& [port, expected] :
+         {std::pair{"1", 1}, {"65535", 65535}, {"0", 80}, {"65536", 80}, {"x", 80}}) {
+        EXPECT_EQ(spltLocationIp(std::string("0,0,a,") + port, &x, &y, &name), 1);
+        EXPECT_EQ(inputPort, expected) << port;
+    }
 }
 
 TEST_F(WallMap, UnusableEntriesAreRefusedWithOneLine) {
     const std::string tooLong = "192.168.100.200-1234";  // 20 characters: one too many
     const std::string tooLongLine = "map name over 19 characters:" + tooLong + "\n";
-    struct Row {
-        std::string text;
-        bool isOut;
-        std::string printed;
-    };
     createMap("0,0,10.0.0.1", true, 0);
     createMap("1,0,10.0.0.2", true, 0);
     const std::string before = wall();
-    for (const Row& row : std::vector<Row>{
-             {"", true, "ipmap error\n"},
-             {"", false, "ipmap error\n"},
-             {"clear", true, "no output ip\n"},
-             {"129,200,", true, "no output ip\n"},
-             {"129,129,a", true, "xOut location over\n"},
-             {"0,129,a", true, "yOut location over\n"},
-             {"x,0,a", true, "xOut location over\n"},
-             {"5,5," + tooLong, true, tooLongLine},
-             {"129,129,a", false, "xIn location over\n"},
-             {"0,-1,a", false, "yIn location over\n"},
-             {"0,0," + tooLong, false, tooLongLine},
-             {"0,0,a", false, "get osd data x:0 y:0 ip:a\nno screen 0x20000 for the cell 0,0\n"}}) {
-        EXPECT_EQ(printedBy([&] { EXPECT_EQ(createMap(row.text, row.isOut, 0x20000), 0U); }),
-                  row.printed);
+    const std::tuple<std::string, bool, std::string> rows[] = {
+        {"", true, "ipmap error\n"},
+        {"", false, "ipmap error\n"},
+        {"clear", true, "no output ip\n"},
+        {"129,200,", true, "no output ip\n"},
+        {"129,129,a", true, "xOut location over\n"},
+        {"0,129,a", true, "yOut location over\n"},
+        {"x,0,a", true, "xOut location over\n"},
+        {"5,5," + tooLong, true, tooLongLine},
+        {"129,129,a", false, "xIn location over\n"},
+        {"0,-1,a", false, "yIn location over\n"},
+        {"0,0," + tooLong, false, tooLongLine},
+        {"0,0,a", false, "get osd data x:0 y:0 ip:a\nno screen 0x20000 for the cell 0,0\n"}};
+    for (const auto& [text, isOut, expected] : rows) {
+        unsigned key = 9;
+        EXPECT_EQ(printedBy([&, t = text, out = isOut] { key = createMap(t, out, 0x20000); }),
+                  expected);
+        EXPECT_EQ(key, 0U) << text;
     }
     EXPECT_EQ(CreatOutIpMap("129,0,10.0.0.9#5,5,10.0.0.8"), 1);
     EXPECT_EQ(wall(), before) << "no stray cells on screen 0,0 either";
@@ -116,116 +123,71 @@ TEST_F(WallMap, UnusableEntriesAreRefusedWithOneLine) {
     EXPECT_EQ(wall().substr(0, 7), "129x129");
 }
 
-TEST_F(WallMap, PortFieldIsTakenOnlyWhenItIsOne) {
-    for (const auto& [text, port] : {std::pair{"0,0,a,1", 1},
-                                     {"0,0,a,65535", 65535},
-                                     {"0,0,a,0", 80},
-                                     {"0,0,a,65536", 80},
-                                     {"0,0,a,x", 80}}) {
-        int x = 0;
-        int y = 0;
-        std::string name;
-        EXPECT_EQ(spltLocationIp(text, &x, &y, &name), 1);
-        EXPECT_EQ(inputPort, port) << text;
-    }
-}
-
 TEST_F(WallMap, OutTextReplacesTheWallAndSavesIt) {
     CreatOutIpMap("7,7,10.0.0.7");
-    std::string printed = printedBy([] {
-        EXPECT_EQ(
-            osdIpMapSet("0,0,10.0.0.1#1,0,10.0.0.2#0,0,10.0.0.1#1,0,10.0.0.3#", "out", nullptr), 1);
-    });
+    set("0,0,10.0.0.1#1,0,10.0.0.2#0,0,10.0.0.1#1,0,10.0.0.3#", "out");
     EXPECT_EQ(wall(), "2x1 | 0,0,10.0.0.1#0,0,0.0.0.0 1x1 | 1,0,10.0.0.3#0,0,0.0.0.0 1x1");
-    EXPECT_TRUE(printed.starts_with("x:0,y:0-->ip:10.0.0.1\n10.0.0.1 no key in map\n1\nout:"))
+    EXPECT_EQ(saved(), "2|0,0,10.0.0.1#0,0,0.0.0.0|1,0,10.0.0.3#0,0,0.0.0.0");
+    const std::string printed = set("3,0,10.0.0.8#3,0,10.0.0.8#4,0,#5,0,10.0.0.9", "out");
+    EXPECT_TRUE(
+        printed.ends_with("x:3,y:0-->ip:10.0.0.8\nkey in map and ip same\n"
+                          "x:4,y:0-->ip:\noutput ip NULL\n0"))
         << printed;
-    EXPECT_NE(printed.find("x:0,y:0-->ip:10.0.0.1\nkey in map and ip same\nx:1,y:0-->ip:10.0.0.3\n"
-                           "set string\n"),
-              std::string::npos)
-        << printed;
-    EXPECT_EQ(saved(0), "0,0,10.0.0.1#0,0,0.0.0.0");
-    EXPECT_EQ(config->GetConfig(kOutNumIndex), "2");
-    EXPECT_NE(scratchSettings()
-                  .get("data/tav_rik.ini")
-                  .find("\nkOutNum=2\nkOutIpmap0=0,0,10.0.0.1#0,0,0.0.0.0\n"),
-              std::string::npos);
-
-    printed = printedBy(
-        [] { EXPECT_EQ(osdIpMapSet("3,0,10.0.0.8#4,0,#5,0,10.0.0.9", "out", nullptr), 0); });
-    EXPECT_TRUE(printed.ends_with("x:4,y:0-->ip:\noutput ip NULL\n")) << printed;
     EXPECT_EQ(wall(), "4x1 | 3,0,10.0.0.8#0,0,0.0.0.0 1x1");
-    EXPECT_EQ(config->GetConfig(kOutNumIndex), "2") << "a broken wall is not saved";
-    EXPECT_EQ(printedBy([] { EXPECT_EQ(osdIpMapSet("0,0,a", "relation", nullptr), 0); }),
-              "set osdIpMap error\n");
+    EXPECT_EQ(saved()[0], '2') << "a broken wall is not saved";
+    EXPECT_EQ(set("0,0,a", "relation"), "set osdIpMap error\n0");
 }
 
 TEST_F(WallMap, InTextReplacesTheCellsOfOneScreen) {
     CreatOutIpMap("0,0,10.0.0.1#5,5,10.0.1.1");
     CreatOutIpMap("1,0,10.0.2.2#1,1,10.0.1.2");
     unsigned key = 9;
-    const std::string printed = printedBy(
-        [&] { EXPECT_EQ(osdIpMapSet("10.0.2#0,1,10.0.1.3#129,0,10.0.1.4", "input", &key), 1); });
-    EXPECT_TRUE(
-        printed.starts_with("out ip not in map\n"
-                            "inkey-->0x1\n"
-                            "get osd data x:0 y:1 ip:10.0.1.3\n"
-                            "outkey-->0x10000(0,0)-->inx:0,iny:1\n"
-                            "in:xmax:1,ymax:2,ip:10.0.1.3\n"
-                            "inkey-->0x810000\n"
-                            "xIn location over\n"
-                            "set string\n"))
-        << printed;
+    EXPECT_TRUE(set("10.0.2#0,1,10.0.1.3#129,0,10.0.1.4", "input", &key)
+                    .starts_with("out ip not in map\ninkey-->0x1\n"
+                                 "get osd data x:0 y:1 ip:10.0.1.3\n"
+                                 "outkey-->0x10000(0,0)-->inx:0,iny:1\n"
+                                 "in:xmax:1,ymax:2,ip:10.0.1.3\n"
+                                 "inkey-->0x810000\nxIn location over\nset string\n"));
     EXPECT_EQ(key, 0x10000U);
-    EXPECT_EQ(wall(),
-              "2x1 | 0,0,10.0.0.1#0,0,0.0.0.0#5,5,10.0.1.1 6x6 | "
-              "1,0,10.0.2.2#0,1,10.0.1.3 1x2");
-    EXPECT_EQ(saved(1), "1,0,10.0.2.2#0,1,10.0.1.3");
-    const std::string before = wall();
+    const std::string first = "0,0,10.0.0.1#0,0,0.0.0.0#5,5,10.0.1.1";
+    const std::string after = "2x1 | " + first + " 6x6 | 1,0,10.0.2.2#0,1,10.0.1.3 1x2";
+    EXPECT_EQ(wall(), after);
     config->SetConfigChar(kFirstMapIndex, "");
-    EXPECT_EQ(osdIpMapSet("10.0.9.9#0,0,10.0.1.9", "in", &key), 1);
-    EXPECT_EQ(wall(), before);
-    EXPECT_NE(saved(0), "") << "saved all the same";
+    EXPECT_TRUE(set("10.0.9.9#0,0,10.0.1.9", "in", &key).ends_with('1'));
+    EXPECT_EQ(wall(), after);
+    EXPECT_EQ(saved(), "2|" + first + "|1,0,10.0.2.2#0,1,10.0.1.3") << "saved all the same";
     EXPECT_EQ(key, 0x10000U);
 }
 
 TEST_F(WallMap, ShrinkingWallLeavesNoLineBehind) {
-    osdIpMapSet("0,0,a#1,0,b#2,0,c#3,0,d#4,0,e", "out", nullptr);
-    osdIpMapSet("0,0,a#1,0,b#2,0,c", "out", nullptr);
-    EXPECT_EQ(saved(2) + "|" + saved(3) + "|" + saved(4), "2,0,c#0,0,0.0.0.0||");
-    EXPECT_EQ(config->GetConfig(kOutNumIndex), "3");
-    osdIpMapSet("0,0,a", "out", nullptr);
-    EXPECT_EQ(saved(1) + saved(2) + saved(3) + saved(4), "") << "shrinking twice, neither";
-    osdIpMapSet("", "out", nullptr);
-    EXPECT_EQ(wall(), "0x0");
-    EXPECT_EQ(saved(0), "");
-    EXPECT_EQ(config->GetConfig(kOutNumIndex), "0");
+    const std::string none = "#0,0,0.0.0.0";
+    set("0,0,a#1,0,b#2,0,c#3,0,d#4,0,e", "out");
+    set("0,0,a#1,0,b#2,0,c", "out");
+    EXPECT_EQ(saved(), "3|0,0,a" + none + "|1,0,b" + none + "|2,0,c" + none);
+    set("0,0,a", "out");
+    EXPECT_EQ(saved(), "1|0,0,a" + none) << "shrinking twice, neither";
+    set("", "out");
+    EXPECT_EQ(wall() + saved(), "0x00");
 }
 
 TEST_F(WallMap, StatusQueryNamesTheBoxAndMaybeAnAddress) {
-    struct Row {
-        const char* text;
-        int result;
-        const char* ip;
-        const char* address;
-        int port;
-    };
-    for (const Row& row :
-         {Row{"[seq]\nip=1.2.3.4\nto=10.0.0.1:5000", 0, "old", "old", 7},
-          Row{"[seq]\nip=1.2.3.4\nto=10.0.0.100:50000\nx", 1, "1.2.3.4", "10.0.0.100", 50000},
-          Row{"[seq]\nip=1.2.3.4\nto=10.0.0.10:50000\nx", 1, "1.2.3.4", "old", 7},  // 18 characters
-          Row{"[seq]\n1.2.3.4=5\nno_colon=10.0.0.10\nx", 1, "5", "old", 7},
-          Row{"[seq]\n1.2.3.4\nno_colon=100.100.100.1\nx", 1, "1.2.3.4", "100.100.100.1", -1},
-          Row{"[seq]\na=b=c\nto=10.0.0.10:123456x\nx", 1, "b=c", "10.0.0.10", 123456},
-          Row{"[seq]\nip=1234567890123456789012345\nto=1234567890123456789012:1\nx", 1,
-              "1234567890123456789", "1234567890123456789", 1}}) {
-        SCOPED_TRACE(row.text);
-        std::array<char, 20> ip{'o', 'l', 'd'};
-        std::array<char, 20> address{'o', 'l', 'd'};
+    const std::tuple<const char*, int, const char*, const char*, int> rows[] = {
+        {"[seq]\nip=1.2.3.4\nto=10.0.0.1:5000", 0, "old", "old", 7},
+        {"[seq]\nip=1.2.3.4\nto=10.0.0.100:50000\nx", 1, "1.2.3.4", "10.0.0.100", 50000},
+        {"[seq]\nip=1.2.3.4\nto=10.0.0.10:50000\nx", 1, "1.2.3.4", "old", 7},  // 18 characters
+        {"[seq]\n1.2.3.4=5\nno_colon=10.0.0.10\nx", 1, "5", "old", 7},
+        {"[seq]\n1.2.3.4\nno_colon=100.100.100.1\nx", 1, "1.2.3.4", "100.100.100.1", -1},
+        {"[seq]\na=b=c\nto=10.0.0.10:123456x\nx", 1, "b=c", "10.0.0.10", 123456},
+        {"[seq]\nip=1234567890123456789012345\nto=1234567890123456789012:1\nx", 1,
+         "1234567890123456789", "1234567890123456789", 1}};
+    for (const auto& [text, result, expectedIp, expectedAddress, expectedPort] : rows) {
+        char ip[20] = "old";
+        char address[20] = "old";
         int port = 7;
-        EXPECT_EQ(get_seq_ip(row.text, ip.data(), address.data(), &port), row.result);
-        EXPECT_STREQ(ip.data(), row.ip);
-        EXPECT_STREQ(address.data(), row.address);
-        EXPECT_EQ(port, row.port);
+        EXPECT_EQ(get_seq_ip(text, ip, address, &port), result) << text;
+        EXPECT_STREQ(ip, expectedIp) << text;
+        EXPECT_STREQ(address, expectedAddress) << text;
+        EXPECT_EQ(port, expectedPort) << text;
     }
 }
 

@@ -1,8 +1,6 @@
 #include "remote/wire.h"
 
-#include <gtest/gtest.h>
-
-#include "unit/remote/board.h"
+#include "unit/fixture.h"
 
 namespace {
 

@@ -1,14 +1,45 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <string>
+#include <string_view>
+
+#include "app/base/path_prefix.h"
+
+/// What `action` prints, standard output and standard error one after the other.
+template <typename Action>
+std::string printedBy(const Action& action) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    action();
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
+}
+
+inline std::string hex(std::string_view bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+        char pair[4];
+        std::snprintf(pair, sizeof pair, "%02x ", static_cast<unsigned char>(byte));
+        text += pair;
+    }
+    return text.substr(0, text.size() - (text.empty() ? 0 : 1));
+}
+
+template <std::size_t N>
+std::string hex(const std::array<std::uint8_t, N>& bytes) {
+    return hex(std::string_view(reinterpret_cast<const char*>(bytes.data()), N));
+}
 
 /// A directory of its own for one test, removed afterwards.
 class Scratch {
@@ -47,18 +78,8 @@ class Scratch {
     std::string root_;
 };
 
-/// File access as an ordinary user, when the tests run as root.
-class Unprivileged {
- public:
-    Unprivileged() : changed_(geteuid() == 0 && seteuid(65534) == 0) {}
-    ~Unprivileged() {
-        if (changed_ && seteuid(0) != 0) {
-            std::abort();
-        }
-    }
-    Unprivileged(const Unprivileged&) = delete;
-    Unprivileged& operator=(const Unprivileged&) = delete;
-
- private:
-    bool changed_;
+/// One that stands before every absolute path while it lives.
+struct Root : Scratch {
+    Root() { setPathPrefix(path()); }
+    ~Root() { setPathPrefix(""); }
 };
