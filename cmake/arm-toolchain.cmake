@@ -4,10 +4,9 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 
-# 64-bit times and offsets: the C library falls back by itself on kernels that know only the old calls.
 set(CMAKE_CXX_FLAGS_INIT
     "-mcpu=cortex-a9 -mfpu=neon -mfloat-abi=hard -mthumb -Wno-psabi -ffunction-sections \
--fdata-sections -D_FILE_OFFSET_BITS=64 -D_TIME_BITS=64")
+-fdata-sections -D_FILE_OFFSET_BITS=64")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--gc-sections -Wl,-s")
 
 # Libraries of the build machine are of no use here; headers alone (Boost, CLI11) are.

@@ -1,0 +1,51 @@
+# The Debian packages: `cpack -G DEB` in a build directory makes the one of its machine.
+file(STRINGS ${CMAKE_SOURCE_DIR}/src/app/startup.h version_line REGEX "kVersion = ")
+string(REGEX REPLACE ".*\"T-([0-9.]+)\".*" "\\1" TAVRIK_VERSION "${version_line}")
+
+# Debian wants its documents compressed, without a time in them.
+set(compressed ${CMAKE_BINARY_DIR}/packaging)
+file(MAKE_DIRECTORY ${compressed})
+foreach(pair "packaging/changelog:changelog.gz" "docs/tavrik.8:tavrik.8.gz")
+  string(REPLACE ":" ";" pair ${pair})
+  list(GET pair 0 from)
+  list(GET pair 1 to)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${from})
+  execute_process(COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/${from} OUTPUT_FILE ${compressed}/${to}
+                  COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
+
+# Packing needs the daemon alone, not the tests.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+install(TARGETS tavrik RUNTIME DESTINATION sbin)
+install(FILES packaging/tavrik.service DESTINATION lib/systemd/system)
+install(FILES ${compressed}/tavrik.8.gz DESTINATION share/man/man8)
+install(FILES packaging/copyright ${compressed}/changelog.gz DESTINATION share/doc/tavrik)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME tavrik)
+set(CPACK_PACKAGE_VERSION ${TAVRIK_VERSION})
+set(CPACK_PACKAGE_CONTACT "The tavrik developers <tavrik@users.noreply.invalid>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION admin)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
+    "console daemon of a networked keyboard, video and mouse wall")
+set(CPACK_PACKAGE_DESCRIPTION
+    "tavrik runs at the console of a wall of screens. It reads the console's
+keyboards, mice and touch panel and forwards keys, pointer and wheel over UDP
+to the input box that is now controlled; when the pointer leaves a screen's
+edge, control passes on to the neighbour.")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS net-tools)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_SOURCE_DIR}/packaging/postinst ${CMAKE_SOURCE_DIR}/packaging/prerm
+    ${CMAKE_SOURCE_DIR}/packaging/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+if(CMAKE_CROSSCOMPILING)
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+  install(FILES packaging/lintian-overrides DESTINATION share/lintian/overrides RENAME tavrik)
+else()
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
+include(CPack)

@@ -28,6 +28,7 @@ struct Console {
     Machine& machine;
     Checks& checks;
     bool arm;
+    bool service;  ///< started by systemd as the package's unit
 
     /// Waits until the daemon listens to its devices again and has brought the box up to date.
     bool awaitListening();
@@ -50,4 +51,5 @@ void checkHotPlug(Console& console);
 void checkPulledWhileHeld(Console& console);
 void checkRelativeBox(Console& console);
 void checkPanels(Console& console);
+void checkQuickHotPlugs(Console& console);
 void checkEndurance(Console& console);

@@ -11,6 +11,9 @@ modules=(xhci-pci usbhid hid-generic evdev uinput joydev gpio_keys)
 
 version=$(cat "$cache/version")
 library=$cache/root/lib/modules/$version
+if [[ $version == *amd64 ]]; then
+    modules+=(virtio_pci 9pnet_virtio 9p) # a disk, see `init`
+fi
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
 
@@ -42,6 +45,7 @@ done
 mkdir -p "$tree"/{bin,usr/sbin}
 cp "$cache/root/bin/busybox" "$tree/bin/"
 cp "$here/init" "$tree/init"
+cp "$here/command_loop" "$tree/usr/sbin/"
 for program in "$@"; do
     install -m 755 "$program" "$tree/usr/sbin/"
     while read -r shared; do

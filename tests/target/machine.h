@@ -9,30 +9,31 @@
 #include <string_view>
 #include <vector>
 
-/// An emulated machine: its serial console as lines and commands, its USB ports and what a person does
-/// on its keyboard and mouse. Every wait is for a line. One thread uses it.
+/// An emulated machine: its serial console as lines and commands, its USB ports and what a person
+/// does on its keyboard and mouse. Every wait is for a line. One thread uses it.
 class Machine {
  public:
-    /// Starts `command` (an emulator with its options; console and control are added). Everything the
-    /// machine prints goes to the file `log` too. Throws std::runtime_error when it does not start.
+    /// Starts `command` (an emulator with its options; console and control are added). Everything
+    /// the machine prints goes to the file `log` too. Throws std::runtime_error when it does not
+    /// start.
     Machine(std::vector<std::string> command, const std::string& log);
     ~Machine();
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;
 
-    /// Waits for a line that contains `text`, from behind the last one that was waited for. Returns it
-    /// whole; empty when it did not come within `limit`.
+    /// Waits for a line that contains `text`, from behind the last one that was waited for. Returns
+    /// it whole; empty when it did not come within `limit`.
     std::string await(std::string_view text, std::chrono::seconds limit = std::chrono::seconds(20));
 
-    /// Runs a shell command in the machine and returns what it printed, without the lines of others;
-    /// "failed: ..." when its status is not 0.
+    /// Runs a shell command in the machine and returns what it printed, without the lines of
+    /// others; "failed: ..." when its status is not 0.
     std::string shell(const std::string& command);
-    /// The same for a command that leaves something running, whose lines come as they are. False when
-    /// its status is not 0.
+    /// The same for a command that leaves something running, whose lines come as they are. False
+    /// when its status is not 0.
     bool start(const std::string& command);
 
-    /// The next `count` lines that begin with `prefix`, from behind the last ones so taken, without the
-    /// prefix; fewer when they do not come within 10 s.
+    /// The next `count` lines that begin with `prefix`, from behind the last ones so taken, without
+    /// the prefix; fewer when they do not come within 10 s.
     std::vector<std::string> take(std::string_view prefix, std::size_t count);
     /// Forgets the lines so far that `take` would give.
     void skip();

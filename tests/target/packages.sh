@@ -1,0 +1,84 @@
+#!/bin/bash
+# packages.sh CACHE ARMHF_DEB AMD64_DEB: the packages as a user gets them: lintian, the unit's restrictions,
+# and an installation into a fresh Debian. As root.
+set -uo pipefail
+
+cache=$(mkdir -p "$1" && cd "$1" && pwd)
+deb_arm=$2
+deb_pc=$3
+here=$(cd "$(dirname "$0")" && pwd)
+unit=$here/../../packaging/tavrik.service
+expected="tavrik T-$(dpkg-deb -f "$deb_pc" Version)"
+most_exposed=25 # tenths of systemd-analyze's 0 (safe) to 10
+passed=0
+failed=0
+
+# check WHAT COMMAND...: passes when the command does; its output is shown when it does not.
+check() {
+    local what=$1 output
+    shift
+    if output=$("$@" 2>&1); then
+        passed=$((passed + 1))
+        echo "  ok    $what"
+    else
+        failed=$((failed + 1))
+        printf '  FAIL  %s\n%s\n' "$what" "$output"
+    fi
+}
+
+# says EXPECTED COMMAND...: passes when the command prints exactly that.
+says() {
+    local wanted=$1 got
+    shift
+    got=$("$@") && [[ $got == "$wanted" ]] || {
+        echo "expected $wanted, got $got"
+        return 1
+    }
+}
+
+in_root() { chroot "$root" "$@"; }
+
+install_deb() {
+    cp "$1" "$root/tmp/tavrik.deb"
+    in_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends /tmp/tavrik.deb
+}
+
+# A small Debian with systemd, made once and unpacked anew for every run.
+fresh_root() {
+    local mirror plain=$cache/debian.tar
+    if [[ ! -f $plain ]]; then
+        mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Codename: bookworm' 'Component: main' \
+            'Created-By: Packages' | sort -u | head -n 1)
+        rm -rf "$cache/debian" &&
+            debootstrap --variant=minbase --include=init-system-helpers,systemd,dbus,net-tools bookworm "$cache/debian" \
+                "$mirror" >"$cache/debootstrap.log" 2>&1 &&
+            tar -C "$cache/debian" -cf "$plain.new" . && mv "$plain.new" "$plain"
+        rm -rf "$cache/debian"
+    fi
+    mkdir -p "$root" && tar -C "$root" -xf "$plain"
+}
+
+root=$(mktemp -d)
+trap 'rm -rf "$root"' EXIT
+chmod 755 "$root"
+
+check "lintian finds no error in the armhf package" lintian --allow-root --fail-on error "$deb_arm"
+check "lintian finds no error in the amd64 package" lintian --allow-root --fail-on error "$deb_pc"
+systemd-analyze security --offline=true --no-pager "$unit" | tail -n 1
+check "the unit's exposure is 2.5 at most" \
+    systemd-analyze security --offline=true --no-pager --threshold="$most_exposed" "$unit"
+check "a fresh Debian" fresh_root
+check "apt installs the amd64 package" install_deb "$deb_pc"
+check "  the daemon runs there" says "$expected" in_root tavrik --version
+check "  the unit verifies there" systemd-analyze verify --man=no --root="$root" tavrik.service
+check "  the unit is enabled" test -L "$root/etc/systemd/system/multi-user.target.wants/tavrik.service"
+touch "$root/data/tav_rik.ini"
+check "  it goes away again" in_root apt-get purge -y tavrik
+check "  and leaves the settings" test -f "$root/data/tav_rik.ini"
+check "armhf is added" in_root dpkg --add-architecture armhf
+check "apt installs the armhf package" install_deb "$deb_arm"
+check "  the daemon runs there" says "$expected" "$(command -v qemu-arm-static || command -v qemu-arm)" \
+    "$root/usr/sbin/tavrik" --version
+
+echo "$passed passed, $failed failed"
+((failed == 0))

@@ -1,0 +1,126 @@
+#!/bin/bash
+# The daemon on its target: the ARM build under emulation, on real kernels with real USB devices in an
+# emulator (32-bit ARM and a PC), and as packages. Installs what is missing; as root or through sudo.
+# run.sh [BUILD]: BUILD is the directory of the build trees, `build` of the project by default. Kernels and
+# a fresh Debian are kept in BUILD/target-cache. Ends with "N passed, N failed".
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+project=$(cd "$here/../.." && pwd)
+build=$(mkdir -p "${1:-$project/build}" && cd "${1:-$project/build}" && pwd)
+cache=$build/target-cache
+if ((EUID != 0)); then
+    exec sudo "$0" "$build"
+fi
+
+packages=(g++ g++-arm-linux-gnueabihf cmake ninja-build libboost-dev libgtest-dev libgmock-dev googletest
+    libbenchmark-dev libcli11-dev qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
+    dpkg-dev cpio kmod systemd)
+missing=()
+for package in "${packages[@]}"; do
+    if [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
+        missing+=("$package")
+    fi
+done
+if ((${#missing[@]} > 0)); then
+    echo "Installing ${missing[*]}"
+    apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+mkdir -p "$cache"
+# make PRESET TARGET...: builds into BUILD/PRESET; the log is shown only when something fails.
+make() {
+    local preset=$1 log=$cache/build-$1.log
+    shift
+    if ! { cmake -S "$project" --preset "$preset" -B "$build/$preset" &&
+        ninja -C "$build/$preset" "$@"; } >"$log" 2>&1; then
+        tail -n 40 "$log"
+        echo "The build failed; the whole log is $log" >&2
+        return 1
+    fi
+}
+# pack PRESET: the package of a build; prints its file.
+pack() {
+    rm -f "$build/$1"/tavrik_*.deb
+    (cd "$build/$1" && cpack -G DEB) >"$cache/pack-$1.log" 2>&1 || {
+        cat "$cache/pack-$1.log" >&2
+        return 1
+    }
+    echo "$build/$1"/tavrik_*.deb
+}
+# fetched ARCH: the kernel of ARCH, fetched when there is none or it is a week old.
+fetched() {
+    if [[ -n $(find "$cache/$1/version" -mtime -7 2>/dev/null) ]]; then
+        return
+    fi
+    "$here/fetch.sh" "$1" "$cache/$1" || [[ -f $cache/$1/version ]]
+}
+
+started=$SECONDS
+(fetched armhf && fetched amd64) >"$cache/fetch.log" 2>&1 &
+fetching=$!
+make arm tavrik tavrik-target-guest
+make release tavrik tavrik-target-guest tavrik-target-test
+deb_arm=$(pack arm)
+deb_pc=$(pack release)
+wait "$fetching" || {
+    cat "$cache/fetch.log"
+    exit 1
+}
+stat -c '%n: %s bytes' "$build/arm/tavrik" "$build/release/tavrik"
+
+target=tests/target
+"$here/initramfs.sh" "$cache/armhf" "$cache/arm.img" "$build/arm/tavrik" "$build/arm/$target/tavrik-target-guest"
+"$here/initramfs.sh" "$cache/amd64" "$cache/pc.img" "$build/release/tavrik" \
+    "$build/release/$target/tavrik-target-guest"
+driver=$build/release/$target/tavrik-target-test
+
+# size_check: the one limit on the ARM program itself.
+size_check() {
+    local size
+    size=$(stat -c %s "$build/arm/tavrik")
+    if ((size <= 1500000)); then
+        printf '  ok    the static ARM daemon: %d bytes (at most 1500000)\n1 passed, 0 failed\n' "$size"
+    else
+        printf '  FAIL  the static ARM daemon: %d bytes (at most 1500000)\n0 passed, 1 failed\n' "$size"
+    fi
+}
+
+# The ARM machine waits more than it works: the rest goes on beside it.
+"$driver" arm "$cache"/armhf/root/boot/vmlinuz-* "$cache/arm.img" "$cache/arm.log" \
+    >"$cache/arm.result" 2>&1 &
+arm=$!
+size_check >"$cache/size.result"
+"$driver" pc "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/pc.log" \
+    >"$cache/pc.result" 2>&1 || true
+"$here/packages.sh" "$cache/packages" "$deb_arm" "$deb_pc" >"$cache/packages.result" 2>&1 || true
+# The package's unit, started by systemd on a real kernel.
+disk=$(mktemp -d)
+trap 'rm -rf "$disk"' EXIT
+chmod 755 "$disk"
+{
+    "$here/service_root.sh" "$cache/packages/debian.tar" "$disk" "$deb_pc" "$cache/amd64/root/bin/busybox" \
+        "$build/release/$target/tavrik-target-guest" >"$cache/disk.log" 2>&1 || cat "$cache/disk.log"
+    "$driver" service "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/service.log" "$disk"
+} >"$cache/service.result" 2>&1 || true
+wait "$arm" || true
+
+passed=0
+failed=0
+for part in size arm pc packages service; do
+    echo "== $part"
+    sed '$d' "$cache/$part.result"
+    last=$(tail -n 1 "$cache/$part.result")
+    if [[ $last =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]]; then
+        passed=$((passed + BASH_REMATCH[1]))
+        failed=$((failed + BASH_REMATCH[2]))
+    else
+        echo "  FAIL  did not come to its end: $last"
+        failed=$((failed + 1))
+    fi
+done
+echo "Logs of the machines: $cache/arm.log, $cache/pc.log, $cache/service.log. Seconds in all: $((SECONDS - started))"
+echo "$passed passed, $failed failed"
+((failed == 0))
