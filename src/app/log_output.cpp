@@ -14,11 +14,6 @@ constexpr int kPatienceMilliseconds = 1000;
 /// A pipe that polls writable takes this much without waiting (PIPE_BUF).
 constexpr std::size_t kChunk = 4096;
 
-struct LogSink {
-    int fd;
-    std::size_t leftOut = 0;  ///< bytes since the reader stood still; 0 while it reads
-};
-
 bool isWritable(const LogSink& sink) {
     pollfd wait{sink.fd, POLLOUT, 0};
     return poll(&wait, 1, sink.leftOut == 0 ? kPatienceMilliseconds : 0) == 1;
@@ -57,11 +52,10 @@ ssize_t writeLog(void* cookie, const char* bytes, std::size_t count) {
 
 }  // namespace
 
-std::FILE* openLogStream(int fd) {
-    auto* sink = new LogSink{fd};  // lives as long as the stream, which is never closed
+std::FILE* openLogStream(LogSink& sink) {
     cookie_io_functions_t functions{};
     functions.write = writeLog;
-    std::FILE* stream = fopencookie(sink, "w", functions);
+    std::FILE* stream = fopencookie(&sink, "w", functions);
     if (stream != nullptr) {
         std::setvbuf(stream, nullptr, _IOLBF, BUFSIZ);
     }
@@ -69,10 +63,12 @@ std::FILE* openLogStream(int fd) {
 }
 
 void guardStandardStreams() {
-    if (std::FILE* out = openLogStream(STDOUT_FILENO)) {
+    static LogSink outSink{STDOUT_FILENO};
+    static LogSink errSink{STDERR_FILENO};
+    if (std::FILE* out = openLogStream(outSink)) {
         stdout = out;
     }
-    if (std::FILE* err = openLogStream(STDERR_FILENO)) {
+    if (std::FILE* err = openLogStream(errSink)) {
         stderr = err;
     }
 }

@@ -25,7 +25,8 @@ TEST(LogOutput, AReaderThatStandsStillCostsOneSecondAndTheLinesInBetween) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     fcntl(ends[0], F_SETFL, O_NONBLOCK);
-    std::FILE* log = openLogStream(ends[1]);
+    LogSink sink{ends[1]};
+    std::FILE* log = openLogStream(sink);
     ASSERT_NE(log, nullptr);
     const std::string line(999, 'x');
     const auto before = std::chrono::steady_clock::now();
@@ -40,4 +41,7 @@ TEST(LogOutput, AReaderThatStandsStillCostsOneSecondAndTheLinesInBetween) {
     const std::string after = readAll(ends[0]);
     EXPECT_EQ(after, "\nlog reader stood still, left out " + std::to_string(200'000 - kept.size()) +
                          " bytes\non again\n");
+    std::fclose(log);
+    close(ends[0]);
+    close(ends[1]);
 }
