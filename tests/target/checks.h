@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "machine.h"
+#include "machine/machine.h"
 
 /// Counts what passed and what failed, one line a check.
 class Checks {

@@ -7,6 +7,7 @@ set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(cd "$here/../.." && pwd)
+machine=$project/tools/machine
 build=$(mkdir -p "${1:-$project/build}" && cd "${1:-$project/build}" && pwd)
 cache=$build/target-cache
 if ((EUID != 0)); then
@@ -55,7 +56,7 @@ fetched() {
     if [[ -n $(find "$cache/$1/version" -mtime -7 2>/dev/null) ]]; then
         return
     fi
-    "$here/fetch.sh" "$1" "$cache/$1" || [[ -f $cache/$1/version ]]
+    "$machine/fetch.sh" "$1" "$cache/$1" || [[ -f $cache/$1/version ]]
 }
 
 started=$SECONDS
@@ -71,11 +72,11 @@ wait "$fetching" || {
 }
 stat -c '%n: %s bytes' "$build/arm/tavrik" "$build/release/tavrik"
 
-target=tests/target
-"$here/initramfs.sh" "$cache/armhf" "$cache/arm.img" "$build/arm/tavrik" "$build/arm/$target/tavrik-target-guest"
-"$here/initramfs.sh" "$cache/amd64" "$cache/pc.img" "$build/release/tavrik" \
-    "$build/release/$target/tavrik-target-guest"
-driver=$build/release/$target/tavrik-target-test
+"$machine/initramfs.sh" "$cache/armhf" "$cache/arm.img" "$build/arm/tavrik" \
+    "$build/arm/tools/machine/tavrik-target-guest"
+"$machine/initramfs.sh" "$cache/amd64" "$cache/pc.img" "$build/release/tavrik" \
+    "$build/release/tools/machine/tavrik-target-guest"
+driver=$build/release/tests/target/tavrik-target-test
 
 # size_check: the one limit on the ARM program itself.
 size_check() {
@@ -101,8 +102,8 @@ disk=$(mktemp -d)
 trap 'rm -rf "$disk"' EXIT
 chmod 755 "$disk"
 {
-    "$here/service_root.sh" "$cache/packages/debian.tar" "$disk" "$deb_pc" "$cache/amd64/root/bin/busybox" \
-        "$build/release/$target/tavrik-target-guest" >"$cache/disk.log" 2>&1 || cat "$cache/disk.log"
+    "$machine/service_root.sh" "$cache/packages/debian.tar" "$disk" "$deb_pc" "$cache/amd64/root/bin/busybox" \
+        "$build/release/tools/machine/tavrik-target-guest" >"$cache/disk.log" 2>&1 || cat "$cache/disk.log"
     "$driver" service "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/service.log" "$disk"
 } >"$cache/service.result" 2>&1 || true
 wait "$arm" || true

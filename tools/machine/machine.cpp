@@ -1,4 +1,4 @@
-#include "machine.h"
+#include "machine/machine.h"
 
 #include <poll.h>
 #include <sys/socket.h>
