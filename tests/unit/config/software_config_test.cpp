@@ -1,5 +1,7 @@
 #include "config/software_config.h"
 
+#include <thread>
+
 #include "unit/fixture.h"
 
 namespace {
@@ -109,6 +111,21 @@ TEST(SoftwareConfig, TakesLongValuesWholeAndEndsTheFileAtTheFirstEmptyMap) {
     SoftwareConfig next(scratch.path("ini"));
     next.ReadConfig();
     EXPECT_TRUE(next.GetConfig(kFirstMapIndex) == wall && next.GetConfig(kAlwaysWritten) == wall);
+}
+
+TEST(SoftwareConfig, SavesOfSeveralThreadsEndWithTheNewestTable) {
+    const Scratch scratch;
+    SoftwareConfig config(scratch.path("ini"));
+    const auto work = [&config](unsigned index) {
+        for (int round = 1; round <= 100; ++round) {
+            config.SetConfig(index, round);
+            EXPECT_TRUE(config.SaveConfig());
+        }
+    };
+    printedBy([&work] { std::jthread first(work, 1), second(work, 2); });
+    SoftwareConfig saved(scratch.path("ini"));
+    saved.ReadConfig();
+    EXPECT_EQ(saved.GetConfig(1) + saved.GetConfig(2), "100100");
 }
 
 }  // namespace

@@ -31,14 +31,20 @@ TEST_F(Commands, WhatNoRowMatchesIsReportedAndDropped) {
 
 TEST_F(Commands, OnlyTheLastRelationIsNotTakenAgain) {
     placePointer(9, 9);
+    osdFlag = 1;
+    startFlag = 0;
     const std::string text = "relation&0,0,10.0.0.5#1,0,10.0.0.1";
     EXPECT_NE(order(text), "");
     EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 0,0");
+    EXPECT_EQ(startFlag, 1) << "the OSD is open";
     EXPECT_EQ(order(text), "");
     EXPECT_EQ(order("relation&0,0,0"), "stop kvm\n");
-    EXPECT_EQ(curIp.copy().view(), "0.0.0.0");
+    EXPECT_EQ(curIp.copy(), AddressText("0.0.0.0"));
+    EXPECT_EQ(curName.copy(), AddressText("0.0.0.0"));
     EXPECT_EQ(outInfo_.copy().screens.size(), 2U);
+    osdFlag = 0;
     EXPECT_NE(order(text), "") << "no longer the last one";
+    EXPECT_EQ(startFlag, 0);
 }
 
 TEST_F(Commands, DetailsSelectTheConsolesOwnScreenAgain) {

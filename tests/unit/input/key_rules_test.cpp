@@ -15,6 +15,7 @@ struct KeyRules : ListenerWorld {
 };
 
 TEST_F(KeyRules, WithALocalOsdTheAltCounterStaysAtThree) {
+    KvmSetSocket = nullptr;  // no command leaves here for an OSD of this machine
     for (int tap = 1; tap <= 6; ++tap) {
         handlePress(state, 0, KEY_LEFTALT);
         EXPECT_EQ(box.all(), tap == 3 ? "" : "57 ab 01 04 00 00 00 00 00 00 00") << "tap " << tap;

@@ -44,6 +44,16 @@ TEST_F(PointerRules, RelativeModeWithALocalOsdKeepsYWhereItIs) {
     }
 }
 
+TEST_F(PointerRules, EveryButtonDrivesAnOutputBoxesOsd) {
+    qtFlag = 0;
+    osdFlag = 1;
+    for (const auto& [code, buttons] :
+         {std::pair{BTN_LEFT, 1}, {BTN_RIGHT, 3}, {BTN_MIDDLE, 7}, {BTN_SIDE, 0}}) {
+        mouse(EV_KEY, static_cast<std::uint16_t>(code), 1);
+        EXPECT_EQ(state.osdButtons, buttons);
+    }
+}
+
 TEST_F(PointerRules, TouchPositionsAreScaledByTheKindOfPanel) {
     struct Row {
         std::int32_t type, maxX, maxY;

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <thread>
 
 #include "unit/net/open_socket.h"
 
@@ -45,27 +44,6 @@ TEST(UDPSocket, EmptySocketGivesUpAfterItsTime) {
     ASSERT_EQ(getsockopt(blocking.fd, SOL_SOCKET, SO_RCVTIMEO, &limit, &size), 0);
     EXPECT_GE(limit.tv_usec, 15000);  // the kernel rounds up to its own tick
     EXPECT_LT(limit.tv_usec, 35000);
-}
-
-TEST(UDPSocket, ThreadsThatShareOneSocketLoseNoDatagramAndPrintNothing) {
-    Open a, b;
-    Shared<int> received{0};
-    const auto take = [&] {
-        char text[8];
-        sockaddr_in sender{};
-        for (long got = 1; got != 0; received.add(got > 0 ? 1 : 0)) {
-            got = a.socket.Receive(text, 8, sender);
-        }
-    };
-    EXPECT_EQ(printedBy([&] {
-                  for (int i = 0; i < 100; ++i) {
-                      b.send(a, "x");
-                  }
-                  std::jthread other(take);
-                  take();
-              }),
-              "");
-    EXPECT_EQ(received, 100);
 }
 
 TEST(UDPSocket, DescriptorNeverLeaks) {

@@ -1,4 +1,5 @@
 #include "remote/select_input.h"
+#include "remote/wire.h"
 #include "unit/remote/board.h"
 
 namespace {
@@ -81,6 +82,28 @@ TEST_F(CurrentScreen, ACellOrScreenThatIsNotThereIsEnteredAllTheSame) {
               "input 0,x:0x1,y:0x0,int x:0, y:0\nstart cp\nend cp\n"
               "start inkey:0\nnot find curIp\nnot get new inIp\n");
     EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 0,400");
+}
+
+TEST_F(CurrentScreen, EdgesAreThoseOfThePictureAndTheScreensOsdIsToldTheCell) {
+    Box osd{ownAddress(), wire::kOsdCommandPort};
+    KvmSetSocket = &toBoxes;
+    qtFlag = 0;
+    XRIGHT = 1280;
+    YDOWN = 720;
+    outInfo_.set({});
+    buildWall({"0,0," + osd.ip + "#1,1,0.0.0.0", "1,0," + osd.ip}, osd.ip);
+    placeCell(1, 1);
+    placePointer(1281, 300);
+    events.slideScreenRight();
+    EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 0,661");  // 300 / 2 + 511
+    EXPECT_EQ(currentInfo.copy().screen.single, 1);
+    EXPECT_EQ(osd.text(), "TO:" + osd.ip + ",0,0");
+    EXPECT_EQ(events.slideScreenRight() + 10 * events.slideScreenDown(), 10U);
+    EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 1280,720");
+    EXPECT_EQ(osd.text(), "nothing") << "at the border of the wall";
+    events.slideScreenLeft();
+    EXPECT_EQ(place(), "screen 0,0 cell 1,1 pointer 1280,418");  // (720 - 511) * 2
+    EXPECT_EQ(osd.text(), "TO:" + osd.ip + ",1,1");
 }
 
 TEST_F(CurrentScreen, OffsetOfANameIsKeptUnlessItIsNone) {
