@@ -9,9 +9,9 @@
 #include <string>
 
 #include "app/base/clock.h"
+#include "app/base/file_start.h"
 #include "app/base/path_prefix.h"
 #include "app/registers.h"
-#include "config/whole_file.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "app/base/file_start.h"
 #include "app/base/path_prefix.h"
 
 namespace {

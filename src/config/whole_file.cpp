@@ -1,4 +1,4 @@
-// Files above 2 GiB are refused as too large, not taken for missing, on a 32-bit board too.
+// Files above 2 GiB can be replaced on a 32-bit board too.
 #ifndef _FILE_OFFSET_BITS
 #define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier)
 #endif
@@ -19,28 +19,11 @@
 #include <optional>
 #include <string_view>
 
+#include "app/base/descriptor.h"
+
 namespace {
 
 constexpr std::string_view kTemporary = ".tmp-XXXXXX";
-
-/// A descriptor that is closed on every path.
-class Descriptor {
- public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    operator int() const { return fd_; }
-    bool close() {
-        const int fd = fd_;
-        fd_ = -1;
-        return fd < 0 || ::close(fd) == 0;
-    }
-
- private:
-    int fd_;
-};
 
 struct Free {
     void operator()(char* text) const { std::free(text); }
@@ -96,35 +79,6 @@ void syncDirectory(const std::string& directory) {
 }
 
 }  // namespace
-
-FileText readFileStart(const std::string& path, std::size_t limit) {
-    const Descriptor fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat info {};
-    if (fd < 0) {
-        return {errno == ENOENT ? FileState::kMissing : FileState::kUnreadable, {}};
-    }
-    if (fstat(fd, &info) != 0) {
-        return {FileState::kUnreadable, {}};
-    }
-    if (!S_ISREG(info.st_mode)) {
-        return {FileState::kNotRegular, {}};
-    }
-    constexpr std::size_t kChunk = 65536;
-    std::string text;
-    while (text.size() < limit) {
-        const std::size_t have = text.size();
-        text.resize(have + std::min(kChunk, limit - have));
-        const ssize_t count = ::read(fd, text.data() + have, text.size() - have);
-        text.resize(have + (count > 0 ? static_cast<std::size_t>(count) : 0));
-        if (count == 0) {
-            break;
-        }
-        if (count < 0 && errno != EINTR) {
-            return {FileState::kUnreadable, {}};
-        }
-    }
-    return {FileState::kRead, std::move(text)};
-}
 
 bool WholeFile::replace(const std::string& text, std::uint64_t order) {
     const std::string target = resolved(path_);

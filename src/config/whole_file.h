@@ -7,22 +7,6 @@
 
 #include "app/base/guarded.h"
 
-enum class FileState : std::uint8_t {
-    kRead,
-    kMissing,     ///< there is no such file
-    kNotRegular,  ///< a directory, a FIFO, a device
-    kUnreadable,  ///< it cannot be opened, or a read failed
-};
-
-struct FileText {
-    FileState state = FileState::kMissing;
-    std::string text;
-};
-
-/// The first `limit` bytes of the regular file at `path`, which is taken as it is (no path prefix).
-/// Never waits for a FIFO's writer. Any thread.
-FileText readFileStart(const std::string& path, std::size_t limit);
-
 /// A file that is always replaced whole: a power cut leaves the old or the new text.
 class WholeFile {
  public:

@@ -148,9 +148,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
     }
     screenKey_ = place;
     events_.getCurrentInfo_(&screenKey_, true);
-    const BoxTarget before = currentTarget();
-    selectInputOfCell();
-    letGoOfLostBox(events_, before);
+    selectInputByCommand(events_);
     const AddressText box = curIp.copy();
     std::printf("kvmset outIp:%s detail get curIp=%s\n", curOutIp.copy().c_str(), box.c_str());
     events_.hotPlugFlag = 1;
@@ -162,9 +160,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
 void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
     curName.set({});
-    const BoxTarget before = currentTarget();
-    selectInputOfCell();
-    letGoOfLostBox(events_, before);
+    selectInputByCommand(events_);
     std::printf("kvmset get curName=%s curIp=%s\n", curName.copy().c_str(), curIp.copy().c_str());
     sendPointer();
     startFlag = 0;

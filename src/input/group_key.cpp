@@ -18,7 +18,6 @@ constexpr std::uint8_t kDownArrow = 0x51;
 constexpr std::uint8_t kUpArrow = 0x52;
 /// How far inside the new screen an arrow puts the pointer.
 constexpr std::int32_t kInset = 100;
-constexpr std::int64_t kAfterKeyMicroseconds = 10'000;
 
 void setPointerX(std::int32_t x) {
     currentInfo.with([x](currentCtl& now) { now.pointerX = x; });
@@ -33,7 +32,7 @@ void giveToOsd(ListenerState& state) {
         currentInfo.with([](const currentCtl& now) { return now.screen.name; });
     std::printf("get kvm hotkey-->%s  sendto %s\n", state.groupKey.data(), screen.c_str());
     if (qtFlag) {
-        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
+        sendKeysToLocalOsd(state.keyReport());
     } else {
         sendToOsd(curOutIp.copy(), wire::kOsdCommandPort, state.keyReport());
     }

@@ -11,7 +11,6 @@ namespace {
 constexpr std::uint8_t kNumLockUsage = 0x53;
 constexpr std::uint8_t kCapsLockUsage = 0x39;
 constexpr std::uint8_t kEscapeUsage = 0x29;
-constexpr std::int64_t kAfterKeyMicroseconds = 10'000;
 
 /// Updates the report; false for a key that is not handled.
 bool takeKey(ListenerState& state, std::size_t slot, std::uint16_t code) {
@@ -217,7 +216,7 @@ void sendKeyToOsd(ListenerState& state) {
     } else if (isEscape(state)) {
         leaveOsd(state);
     } else {
-        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
+        sendKeysToLocalOsd(state.keyReport());
     }
 }
 

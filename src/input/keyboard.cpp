@@ -7,7 +7,6 @@
 #include "input/key_press.h"
 #include "input/key_sending.h"
 #include "input/listener.h"
-#include "remote/send.h"
 
 /// Keyboard events: reading, lights and releases. What a press means stands in key_press.cpp.
 
@@ -36,7 +35,7 @@ void sendRelease(ListenerState& state) {
     // KVM mode does not count here: in it, releases go to the box.
     const bool toOsd = osdFlag || events.previewMode;
     if (toOsd || state.hotkeySent) {
-        sendToOsd(AddressText{AddressText::kThisMachine}, wire::kOsdKeyPort, state.keyReport());
+        sendKeysToLocalOsd(state.keyReport());
     }
     if (!toOsd) {
         sendKeyReport(state.keyReport());

@@ -1,19 +1,17 @@
 #include "net/local_ip.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
+#include <cstddef>
 #include <optional>
-#include <system_error>
 
+#include "app/base/file_start.h"
 #include "app/base/path_prefix.h"
 
 namespace {
 
 constexpr std::string_view kKey = "kEth0Ip";
 constexpr std::size_t kPieceSize = 2047;
-constexpr std::uintmax_t kMostBytes = 1U << 20;
+constexpr std::size_t kMostBytes = std::size_t{1} << 20;
 
 /// The value behind the key in one piece of a line.
 std::optional<std::string> valueInPiece(std::string_view piece) {
@@ -49,14 +47,5 @@ std::string localIpFromText(std::string_view text) {
 }
 
 std::string GetLocalIp() {
-    const std::filesystem::path path = prefixedPath("/data/net.ini");
-    std::error_code problem;
-    const std::uintmax_t size = std::filesystem::file_size(path, problem);
-    std::string text(problem ? 0 : static_cast<std::size_t>(std::min(size, kMostBytes)), '\0');
-    if (!text.empty()) {  // opening anything but a plain file could wait
-        std::ifstream file(path, std::ios::binary);
-        file.read(text.data(), static_cast<std::streamsize>(text.size()));
-        text.resize(static_cast<std::size_t>(file.gcount()));
-    }
-    return localIpFromText(text);
+    return localIpFromText(readFileStart(prefixedPath("/data/net.ini"), kMostBytes).text);
 }

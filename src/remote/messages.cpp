@@ -170,8 +170,7 @@ int inputevent_::user_send_mk(EventType type, const std::uint8_t* mouse, const s
         sendToBox(ip, wire::kUserPort,
                   wire::userPointer(mouse[wire::kButtonsAt], at.x, at.y, mouse[wire::kWheelAt]));
     } else if (type == kKeyboard && key != nullptr) {
-        sendToBox(ip, wire::kUserPort,
-                  wire::userKeyboard(key[wire::kModifiersAt], key[wire::kFirstKeyAt]));
+        sendKeys(BoxTarget{.ip = ip, .user = true}, {key, wire::Keyboard{}.size()});
     }
     return 1;
 }

@@ -83,10 +83,7 @@ int inputevent_::MouseTo(int x, int y) {
     }
     const unsigned outKey = gridKey(static_cast<unsigned>(x), static_cast<unsigned>(y));
     getCurrentInfo_(&outKey, true);
-    const BoxTarget before = currentTarget();
-    const bool found = selectInputOfCell();
-    letGoOfLostBox(*this, before);
-    if (found) {
+    if (selectInputByCommand(*this)) {
         bringBoxUpToDate(*this);
     } else {
         std::puts("error can not get input ip");

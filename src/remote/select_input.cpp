@@ -209,3 +209,10 @@ void letGoOfLostBox(const inputevent_& events, const BoxTarget& before) {
         sendKeys(before, events.keyReleaseReport);
     }
 }
+
+bool selectInputByCommand(const inputevent_& events) {
+    const BoxTarget before = currentTarget();
+    const bool found = selectInputOfCell();
+    letGoOfLostBox(events, before);
+    return found;
+}

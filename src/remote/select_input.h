@@ -21,7 +21,11 @@ void bringBoxUpToDate(inputevent_& events);
 /// Asks the current box for its picture with the query-in-progress byte cleared, then sets it.
 void queryBox(inputevent_& events);
 
-/// After a command took control from `before`: keys that the user still holds are let go there, for
+/// selectInputOfCell for a command, which comes while the user may be typing: keys still held are
+/// let go at the box that lost control.
+bool selectInputByCommand(const inputevent_& events);
+
+/// After control was taken from `before`: keys that the user still holds are let go there, for
 /// their releases now go elsewhere.
 void letGoOfLostBox(const inputevent_& events, const BoxTarget& before);
 
