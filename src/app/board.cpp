@@ -8,9 +8,9 @@
 #include <span>
 #include <string>
 
-#include "app/base/clock.h"
-#include "app/base/file_start.h"
-#include "app/base/path_prefix.h"
+#include "base/clock.h"
+#include "base/file_start.h"
+#include "base/path_prefix.h"
 #include "app/registers.h"
 
 namespace {

@@ -12,7 +12,7 @@
 
 #include <string>
 
-#include "app/base/path_prefix.h"
+#include "base/path_prefix.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/base/path_prefix.h"
-#include "app/base/singleton.h"
-#include "app/base/state.h"
-#include "app/base/thread.h"
+#include "base/path_prefix.h"
+#include "base/singleton.h"
+#include "base/state.h"
+#include "base/thread.h"
 #include "app/board.h"
 #include "app/user_list.h"
 #include "config/software_config.h"

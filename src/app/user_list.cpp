@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/base/file_start.h"
-#include "app/base/state.h"
-#include "app/base/text.h"
+#include "base/file_start.h"
+#include "base/state.h"
+#include "base/text.h"
 
 UserList parseUserList(std::string_view text) {
     std::vector<std::string> lines;

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/base/address_text.h"
+#include "base/address_text.h"
 
 /// The user address list ./ip.txt: lines ended by "\r\n"; between a line "IP{" and one that begins
 /// with "}" every line is one address, anything else is ignored.

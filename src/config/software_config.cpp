@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "app/base/file_start.h"
-#include "app/base/path_prefix.h"
+#include "base/file_start.h"
+#include "base/path_prefix.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "app/base/guarded.h"
-#include "app/base/shared.h"
+#include "base/guarded.h"
+#include "base/shared.h"
 #include "config/config_lines.h"
 #include "config/whole_file.h"
 

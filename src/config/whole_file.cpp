@@ -19,7 +19,7 @@
 #include <optional>
 #include <string_view>
 
-#include "app/base/descriptor.h"
+#include "base/descriptor.h"
 
 namespace {
 

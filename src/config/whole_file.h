@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "app/base/guarded.h"
+#include "base/guarded.h"
 
 /// A file that is always replaced whole: a power cut leaves the old or the new text.
 class WholeFile {

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/base/clock.h"
-#include "app/base/singleton.h"
-#include "app/base/state.h"
+#include "base/clock.h"
+#include "base/singleton.h"
+#include "base/state.h"
 #include "control/hotkey_table.h"
 #include "net/dotted_text.h"
 #include "net/udp_socket.h"

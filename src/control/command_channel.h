@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "app/base/inputevent.h"
-#include "app/base/wall_records.h"
+#include "base/inputevent.h"
+#include "base/wall_records.h"
 
 /// The orders of the OSD process and of the management side: one text command a datagram.
 

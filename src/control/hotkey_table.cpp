@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/base/singleton.h"
-#include "app/base/text.h"
+#include "base/singleton.h"
+#include "base/text.h"
 #include "config/software_config.h"
 
 namespace {

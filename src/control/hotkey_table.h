@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/base/guarded.h"
+#include "base/guarded.h"
 
 /// The key combinations that belong to the OSD. An entry is a combination as a hotkey text spells
 /// it (LEFTCTRL+F1), perhaps followed by ":" and text that is only carried along.

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 
 /// Opening and closing the nodes of the three lists.
 

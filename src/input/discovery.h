@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "input/listing.h"
 
 /// Sorts the listed devices into the three lists. Supervisor thread, while no input thread runs.

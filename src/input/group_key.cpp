@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "app/base/clock.h"
+#include "base/clock.h"
 #include "control/hotkey_table.h"
 #include "input/key_press.h"
 #include "input/key_sending.h"

@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <mutex>
 
-#include "app/base/inputevent.h"
-#include "app/base/singleton.h"
-#include "app/base/thread.h"
+#include "base/inputevent.h"
+#include "base/singleton.h"
+#include "base/thread.h"
 #include "input/cancel_window.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "app/base/clock.h"
+#include "base/clock.h"
 #include "input/key_sending.h"
 #include "remote/send.h"
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "input/key_table.h"
 #include "remote/wire.h"
 

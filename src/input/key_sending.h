@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 
 /// Where key reports go. Input thread.
 

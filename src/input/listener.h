@@ -7,7 +7,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "input/taps.h"
 #include "remote/wire.h"
 

@@ -2,9 +2,9 @@
 
 #include <sstream>
 
-#include "app/base/file_start.h"
-#include "app/base/path_prefix.h"
-#include "app/base/text.h"
+#include "base/file_start.h"
+#include "base/path_prefix.h"
+#include "base/text.h"
 
 namespace {
 

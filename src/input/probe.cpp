@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "input/cancel_window.h"
 
 /// Telling real devices from nodes that accept no events: write a synthetic event, wait for its

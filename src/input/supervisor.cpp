@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "app/base/clock.h"
-#include "app/base/singleton.h"
+#include "base/clock.h"
+#include "base/singleton.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
 #include "input/listener.h"

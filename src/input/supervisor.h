@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "config/software_config.h"
 #include "input/listing.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "app/base/clock.h"
+#include "base/clock.h"
 
 /// Counting quick taps of one key. The four counters share one timing record: a tap of one key
 /// measures from the last counted tap of any of them.

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "app/base/clock.h"
+#include "base/clock.h"
 #include "input/listener.h"
 #include "remote/send.h"
 

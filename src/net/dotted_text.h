@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "app/base/address_text.h"
+#include "base/address_text.h"
 
 /// The dotted text of an IPv4 address. Any thread.
 inline AddressText dottedText(in_addr address) {

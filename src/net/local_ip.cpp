@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <optional>
 
-#include "app/base/file_start.h"
-#include "app/base/path_prefix.h"
+#include "base/file_start.h"
+#include "base/path_prefix.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "app/base/guarded.h"
-#include "app/base/shared.h"
+#include "base/guarded.h"
+#include "base/shared.h"
 
 /// One IPv4 datagram socket.
 ///

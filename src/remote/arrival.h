@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/base/wall_records.h"
+#include "base/wall_records.h"
 
 /// Where the pointer comes in when control crosses from one output screen to another. Pure.
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "app/base/address_text.h"
+#include "base/address_text.h"
 #include "remote/send.h"
 
 class UDPSocket;

@@ -1,8 +1,8 @@
 #include <cstdio>
 #include <optional>
 
-#include "app/base/inputevent.h"
-#include "app/base/text.h"
+#include "base/inputevent.h"
+#include "base/text.h"
 #include "remote/arrival.h"
 #include "remote/wall_map.h"
 

@@ -1,7 +1,7 @@
 #include <array>
 #include <cstdio>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "remote/select_input.h"
 #include "remote/send.h"
 #include "remote/wire.h"

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "app/base/text.h"
+#include "base/text.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/base/wall_records.h"
+#include "base/wall_records.h"
 
 /// The wall as text. One line is one output screen and its cells: entries separated by "#", the
 /// first the screen, each further one a cell; fields "x,y,name" and optionally ",port". All pure.

@@ -1,6 +1,6 @@
 #include <cstdio>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "remote/pointer_buffer.h"
 #include "remote/send.h"
 #include "remote/wire.h"

@@ -1,7 +1,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "net/udp_socket.h"
 #include "remote/box_answer.h"
 #include "remote/send.h"

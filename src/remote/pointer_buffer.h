@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 
 /// What operationEvent does to the caller's 10-byte pointer buffer. Any thread, each on a buffer of
 /// its own.

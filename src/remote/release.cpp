@@ -1,7 +1,7 @@
 #include <cstdio>
 
-#include "app/base/clock.h"
-#include "app/base/inputevent.h"
+#include "base/clock.h"
+#include "base/inputevent.h"
 #include "remote/select_input.h"
 #include "remote/send.h"
 #include "remote/wire.h"

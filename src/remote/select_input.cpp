@@ -5,7 +5,7 @@
 #include <cstring>
 #include <optional>
 
-#include "app/base/text.h"
+#include "base/text.h"
 #include "remote/source_query.h"
 
 namespace {

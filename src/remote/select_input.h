@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "remote/send.h"
 
 /// Selecting the input box of the current cell: shared by the listener's start, the edge crossings

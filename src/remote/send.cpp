@@ -1,6 +1,6 @@
 #include "remote/send.h"
 
-#include "app/base/state.h"
+#include "base/state.h"
 #include "net/udp_socket.h"
 #include "remote/wire.h"
 

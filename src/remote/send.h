@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "app/base/address_text.h"
+#include "base/address_text.h"
 
 /// Fire-and-forget datagrams. Nothing is sent to "0.0.0.0" or to an empty address; send errors are
 /// not examined. Any thread.

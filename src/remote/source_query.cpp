@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "app/base/clock.h"
-#include "app/base/inputevent.h"
-#include "app/base/singleton.h"
-#include "app/base/text.h"
+#include "base/clock.h"
+#include "base/inputevent.h"
+#include "base/singleton.h"
+#include "base/text.h"
 #include "net/dotted_text.h"
 #include "net/udp_socket.h"
 #include "remote/box_answer.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/base/state.h"
-#include "app/base/text.h"
+#include "base/state.h"
+#include "base/text.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "app/base/guarded.h"
-#include "app/base/wall_records.h"
+#include "base/guarded.h"
+#include "base/wall_records.h"
 #include "remote/map_text.h"
 
 /// Adding entries to a wall, which may be the shared one or one still being built.

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <vector>
 
-#include "app/base/singleton.h"
-#include "app/base/state.h"
-#include "app/base/text.h"
+#include "base/singleton.h"
+#include "base/state.h"
+#include "base/text.h"
 #include "config/software_config.h"
 #include "remote/map_text.h"
 #include "remote/wall_edit.h"

@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/base/path_prefix.h"
+#include "base/path_prefix.h"
 
 /// What `action` prints, standard output and standard error one after the other.
 template <typename Action>

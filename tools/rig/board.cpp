@@ -15,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app/base/event_node.h"
+#include "base/event_node.h"
 
 namespace fs = std::filesystem;
 

@@ -3,7 +3,7 @@
 #include <ctime>
 #include <optional>
 
-#include "app/base/clock.h"
+#include "base/clock.h"
 
 /// The clock of a virtual board. The program tavrik-virtual is the daemon with this in the place of
 /// the system's clock, so that a script can put two taps 599 or 600 ms apart to the microsecond.

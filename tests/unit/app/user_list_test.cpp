@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "app/base/state.h"
+#include "base/state.h"
 #include "unit/fixture.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "app/base/event_node.h"
+#include "base/event_node.h"
 
 #include <fcntl.h>
 #include <linux/input.h>

@@ -1,6 +1,6 @@
 #include "control/command_channel.h"
 
-#include "app/base/singleton.h"
+#include "base/singleton.h"
 #include "config/software_config.h"
 #include "control/hotkey_table.h"
 #include "unit/remote/board.h"

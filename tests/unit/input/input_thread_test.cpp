@@ -4,7 +4,7 @@
 #include <functional>
 #include <thread>
 
-#include "app/base/singleton.h"
+#include "base/singleton.h"
 #include "unit/input/listener_world.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <vector>
 
-#include "app/base/inputevent.h"
+#include "base/inputevent.h"
 #include "unit/fixture.h"
 
 namespace {

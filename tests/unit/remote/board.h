@@ -6,8 +6,8 @@
 #include <array>
 #include <stdexcept>
 
-#include "app/base/inputevent.h"
-#include "app/base/state.h"
+#include "base/inputevent.h"
+#include "base/state.h"
 #include "net/udp_socket.h"
 #include "remote/wall_map.h"
 #include "unit/fixture.h"

@@ -1,7 +1,7 @@
 #include <array>
 #include <vector>
 
-#include "app/base/singleton.h"
+#include "base/singleton.h"
 #include "config/software_config.h"
 #include "remote/map_text.h"
 #include "unit/remote/board.h"

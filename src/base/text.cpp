@@ -1,4 +1,4 @@
-#include "app/base/text.h"
+#include "base/text.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "app/base/thread.h"
+#include "base/thread.h"
 
 pthread_t CreateThread(void* (*start)(void*), int priority, int policy, int detach, void* argument,
                        int* problem) {

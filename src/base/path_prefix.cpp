@@ -1,4 +1,4 @@
-#include "app/base/path_prefix.h"
+#include "base/path_prefix.h"
 
 #include <utility>
 

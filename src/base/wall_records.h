@@ -5,7 +5,7 @@
 #include <limits>
 #include <map>
 
-#include "app/base/address_text.h"
+#include "base/address_text.h"
 
 /// The wall's records: a grid of output screens, each split into a grid of cells, each cell showing
 /// one input box. Positions are column x and row y, both counted from 0.

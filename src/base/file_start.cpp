@@ -3,7 +3,7 @@
 #define _FILE_OFFSET_BITS 64  // NOLINT(bugprone-reserved-identifier)
 #endif
 
-#include "app/base/file_start.h"
+#include "base/file_start.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "app/base/descriptor.h"
+#include "base/descriptor.h"
 
 FileText readFileStart(const std::string& path, std::size_t limit) {
     const Descriptor fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "app/base/path_prefix.h"
+#include "base/path_prefix.h"
 #include "app/log_output.h"
 #include "app/startup.h"
 #include "input/supervisor.h"

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "app/base/address_text.h"
-#include "app/base/guarded.h"
-#include "app/base/shared.h"
-#include "app/base/wall_records.h"
+#include "base/address_text.h"
+#include "base/guarded.h"
+#include "base/shared.h"
+#include "base/wall_records.h"
 
 /// The run-time state that the whole process shares. main fills it before any other thread exists;
 /// afterwards it changes in place and is never reset as a whole.

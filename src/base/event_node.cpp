@@ -1,4 +1,4 @@
-#include "app/base/event_node.h"
+#include "base/event_node.h"
 
 #include <fcntl.h>
 #include <linux/input.h>
@@ -9,7 +9,7 @@
 #include <array>
 #include <cstring>
 
-#include "app/base/path_prefix.h"
+#include "base/path_prefix.h"
 
 namespace {
 

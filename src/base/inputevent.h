@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/base/address_text.h"
-#include "app/base/event_node.h"
-#include "app/base/guarded.h"
-#include "app/base/shared.h"
-#include "app/base/state.h"
+#include "base/address_text.h"
+#include "base/event_node.h"
+#include "base/guarded.h"
+#include "base/shared.h"
+#include "base/state.h"
 
 /// The console's one input-event object. It is declared here so that every folder may use it; its
 /// members are defined by the folder whose work they are (named at each group).
