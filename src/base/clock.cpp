@@ -18,3 +18,5 @@ void sleepMicroseconds(std::int64_t microseconds) {
     while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
     }
 }
+
+int answerWait(int milliseconds) { return milliseconds; }

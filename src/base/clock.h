@@ -13,3 +13,8 @@ TimeOfDay timeOfDay();
 
 /// Sleeps for at least `microseconds`, also when signals arrive. Any thread.
 void sleepMicroseconds(std::int64_t microseconds);
+
+/// How many milliseconds a wait for an answer that is due within `milliseconds` lasts at most: just
+/// those. A virtual board's clock gives more, for its boxes share a machine that may be busy. Any
+/// thread.
+int answerWait(int milliseconds);

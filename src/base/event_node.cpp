@@ -75,14 +75,6 @@ bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code,
     return writeWhole(node.fd, event);
 }
 
-std::uint32_t readLedBits(int fd) {
-    std::array<unsigned char, 31> bits{};
-    if (ioctl(fd, EVIOCGLED(bits.size()), bits.data()) < 0) {
-        return 0;
-    }
-    return bits[0] | static_cast<std::uint32_t>(bits[1]) << 8;
-}
-
 std::optional<std::int32_t> readAxisMaximum(int fd, std::uint16_t code) {
     input_absinfo info{};
     if (ioctl(fd, EVIOCGABS(code), &info) < 0) {

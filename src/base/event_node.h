@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/lights.h"
+
 /// The kernel's event nodes: open, read a record, write a record, lock lights, axis range.
 ///
 /// A record has 16 bytes on FIFOs, sockets and for a 32-bit process; a genuine evdev node under a
@@ -42,10 +44,6 @@ bool hasInput(std::int32_t fd);
 
 /// Writes one record with time zero. Returns false when the node did not take it whole.
 bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code, std::int32_t value);
-
-/// The state of the keyboard's lights, bit 0 Num Lock, bit 1 Caps Lock (EVIOCGLED); 0 when the node
-/// cannot tell.
-std::uint32_t readLedBits(int fd);
 
 /// The largest value of the absolute axis `code` (EVIOCGABS); nothing when the node cannot tell.
 std::optional<std::int32_t> readAxisMaximum(int fd, std::uint16_t code);

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/clock.h"
 #include "net/dotted_text.h"
 #include "net/network_info.h"
 
@@ -113,7 +114,7 @@ long UDPSocket::Receive(void* buffer, long length, sockaddr_in& sender) {
     if (!nonBlocking_) {
         return receive(fd, buffer, length, 0, sender);
     }
-    switch (waitReadable(fd, kReceiveWaitMs)) {
+    switch (waitReadable(fd, answerWait(kReceiveWaitMs))) {
         case Wait::kNothing:
             return 0;
         case Wait::kReadable:

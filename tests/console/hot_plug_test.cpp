@@ -12,6 +12,8 @@ namespace {
 using ::testing::Contains;
 
 constexpr const char* kListening = "======>start listenInput<======";
+/// After this line of a listener's start the box knows its lights.
+constexpr const char* kUpToDate = "end get input info";
 constexpr rig::Milliseconds kRestart{6000};
 
 class HotPlug : public Console {
@@ -127,8 +129,8 @@ TEST_F(HotPlug, AShortRecordRestartsTheListener) {
 
 /// Once the listener is up, every sleep of the daemon is a fiftieth as long; the probes' waits are
 /// as they are.
-TEST_F(HotPlug, TwoHundredRoundsLeaveNothingBehind) {
-    constexpr int kRounds = 200;
+TEST_F(HotPlug, PlugsAndUnplugsLeaveNothingBehind) {
+    constexpr int kRounds = 15;
     plan.virtualClock = true;
     plan.devices.push_back({rig::Kind::kTouch, 2, "ILITEK ILITEK-TP"});
     start();
@@ -138,10 +140,10 @@ TEST_F(HotPlug, TwoHundredRoundsLeaveNothingBehind) {
     for (int round = 0; round < kRounds; ++round) {
         daemon().skipLines();
         board().unplug(kMouse);
-        ASSERT_TRUE(daemon().waitForLine(kListening, kRestart)) << "round " << round;
+        ASSERT_TRUE(daemon().waitForLine(kUpToDate, kRestart)) << "round " << round;
         daemon().skipLines();
         board().plugMouse(kMouse);
-        ASSERT_TRUE(daemon().waitForLine(kListening, kRestart)) << "round " << round;
+        ASSERT_TRUE(daemon().waitForLine(kUpToDate, kRestart)) << "round " << round;
     }
     EXPECT_EQ(daemon().descriptors(), descriptors);
     expectThreads(threads);

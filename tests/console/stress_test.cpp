@@ -117,7 +117,7 @@ TEST_F(Stress, CommandsCrossingsAndQueriesAtOnce) {
     std::thread commands(sendCommands, std::ref(world()), std::cref(busy));
     std::thread answers(changeAnswers, std::ref(world()), std::cref(busy));
     std::mt19937 random(3);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
     int round = 0;
     for (; std::chrono::steady_clock::now() < end; ++round) {
         const int dx = static_cast<int>(random() % 6000) - 3000;
@@ -134,7 +134,7 @@ TEST_F(Stress, CommandsCrossingsAndQueriesAtOnce) {
     commands.join();
     answers.join();
     world().box(kFirstBox).setAnswer(rig::kUsualAnswer);
-    EXPECT_GT(round, 500);
+    EXPECT_GT(round, 100);
     expectServing();
 }
 

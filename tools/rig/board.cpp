@@ -228,22 +228,32 @@ void Board::remove(const Device& device) const {
     }
 }
 
-bool Board::emit(int number, std::uint16_t type, std::uint16_t code, std::int32_t value,
-                 std::optional<Stamp> stamp) const {
-    // Opened for each record and without a reader of its own: a node keeps nothing that was put
-    // into it while the daemon had it closed, as a real one.
+/// Opened for each record and without a reader of its own: a node keeps nothing that was put into it
+/// while the daemon had it closed, as a real one.
+bool Board::put(int number, const void* bytes, std::size_t length) const {
     const int fd = open(node(number).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
         return false;
     }
+    const bool whole = ::write(fd, bytes, length) == static_cast<ssize_t>(length);
+    close(fd);
+    return whole;
+}
+
+bool Board::emit(int number, std::uint16_t type, std::uint16_t code, std::int32_t value,
+                 std::optional<Stamp> stamp) const {
     timeval now{};
     gettimeofday(&now, nullptr);
     const Stamp time = stamp.value_or(
         Stamp{static_cast<std::int32_t>(now.tv_sec), static_cast<std::int32_t>(now.tv_usec)});
     const InputRecord record{time.seconds, time.microseconds, type, code, value};
-    const bool whole = ::write(fd, &record, sizeof(record)) == static_cast<ssize_t>(sizeof(record));
-    close(fd);
-    return whole;
+    return put(number, &record, sizeof(record));
+}
+
+bool Board::emitPart(int number) const { return put(number, "short", 5); }
+
+void Board::setLights(int number, unsigned bits) const {
+    write(node(number).string().substr(root_.string().size() + 1) + ".leds", std::to_string(bits));
 }
 
 bool Board::key(int number, std::uint16_t code, bool down) const {

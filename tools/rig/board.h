@@ -61,7 +61,11 @@ class Board {
     /// nobody has the node open or it is full.
     bool emit(int number, std::uint16_t type, std::uint16_t code, std::int32_t value,
               std::optional<Stamp> stamp = std::nullopt) const;
-    // The same for a whole packet, ended by a synchronisation event. `code` is a key or a button.
+    /// Puts in less than a record, as a node that breaks off. False likewise.
+    bool emitPart(int number) const;
+    /// What a daemon with virtual lights reads from a keyboard: bit 0 Num Lock, bit 1 Caps Lock.
+    void setLights(int number, unsigned bits) const;
+    // The same as `emit` for a whole packet, ended by a synchronisation event. `code` is a key or a button.
     bool key(int number, std::uint16_t code, bool down) const;
     bool click(int number, std::uint16_t code) const;
     bool move(int number, int dx, int dy) const;
@@ -75,6 +79,7 @@ class Board {
         int master = -1;  ///< the far end of a dead node
     };
 
+    bool put(int number, const void* bytes, std::size_t length) const;
     void add(Device device);
     void remove(const Device& device) const;
     void writeListing() const;

@@ -2,7 +2,6 @@
 
 #include <arpa/inet.h>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -25,6 +24,12 @@ sockaddr_in socketAddress(const Endpoint& end) {
     address.sin_port = htons(end.port);
     address.sin_addr.s_addr = inet_addr(end.address.c_str());
     return address;
+}
+
+bool sendFrom(int fd, const Endpoint& to, std::string_view text) {
+    const sockaddr_in address = socketAddress(to);
+    return sendto(fd, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&address),
+                  sizeof(address)) == static_cast<ssize_t>(text.size());
 }
 
 }  // namespace
@@ -76,6 +81,11 @@ bool Box::answers() const {
     return answer_.has_value();
 }
 
+bool Box::answerLate(std::string_view text) const {
+    const std::lock_guard hold(guard_);
+    return askedPort_ >= 0 && sendFrom(askedPort_, asker_, text);
+}
+
 std::optional<Report> Box::next(Milliseconds limit) {
     std::unique_lock hold(guard_);
     if (!changed_.wait_for(hold, limit, [this] { return !reports_.empty(); })) {
@@ -107,16 +117,10 @@ int Box::queries() const {
 }
 
 bool Box::send(const Endpoint& to, std::string_view text) const {
-    const sockaddr_in address = socketAddress(to);
-    return sendto(ports_.front().fd, text.data(), text.size(), 0,
-                  reinterpret_cast<const sockaddr*>(&address),
-                  sizeof(address)) == static_cast<ssize_t>(text.size());
+    return sendFrom(ports_.front().fd, to, text);
 }
 
 void Box::serve() {
-    // The daemon waits 20 ms for an answer; come first on a busy machine, where that is allowed.
-    const sched_param priority{1};
-    pthread_setschedparam(pthread_self(), SCHED_RR, &priority);
     std::vector<pollfd> waits;
     for (const Port& port : ports_) {
         waits.push_back({port.fd, POLLIN, 0});
@@ -152,6 +156,8 @@ void Box::receive(const Port& port) {
         const std::lock_guard hold(guard_);
         if (report.text == kQuery) {
             ++queries_;
+            asker_ = {inet_ntoa(sender.sin_addr), ntohs(sender.sin_port)};
+            askedPort_ = port.fd;
             answer = answer_;
         } else if (reports_.size() < kMostReports) {
             reports_.push_back(report);

@@ -48,6 +48,9 @@ class Box {
     void setAnswer(std::optional<std::string> answer);
     bool answers() const;
 
+    /// Answers whoever asked last, at once. False when nobody asked yet.
+    bool answerLate(std::string_view text) const;
+
     /// Takes the oldest report that was not taken yet, waiting at most `limit` for one.
     std::optional<Report> next(Milliseconds limit);
 
@@ -81,6 +84,8 @@ class Box {
     std::optional<std::string> answer_;
     std::deque<Report> reports_;
     int queries_ = 0;
+    Endpoint asker_;       ///< of the last query
+    int askedPort_ = -1;   ///< descriptor of the port where it came in
     std::thread thread_;
 };
 

@@ -40,7 +40,7 @@ class Daemon {
     /// Likewise TAVRIK_VIRTUAL_BIN, for the program with the virtual clock.
     static std::string virtualProgramPath();
 
-    /// The file from which a virtual clock is read: "seconds microseconds speed".
+    /// The file from which a virtual clock is read: "seconds microseconds speed patience".
     static std::filesystem::path clockFile(const std::filesystem::path& root);
 
     /// Waits for the next line of standard output that fits, and goes on after it: lines up to and

@@ -44,7 +44,7 @@ class Parser {
     bool placeStep(std::string_view rest);
     bool bareStep(std::string_view rest) { return rest.empty(); }
     bool plugStep(std::string_view rest);
-    bool unplugStep(std::string_view rest);
+    bool nodeStep(std::string_view rest);
     bool pauseStep(std::string_view text);
     bool eventsStep(std::string_view text);
 
@@ -72,8 +72,11 @@ const Parser::Row Parser::kSteps[] = {
     {"reply", &Parser::textStep, Step::Kind::kReply},
     {"nothing", &Parser::bareStep, Step::Kind::kNothing},
     {"plug", &Parser::plugStep, Step::Kind::kPlug},
-    {"unplug", &Parser::unplugStep, Step::Kind::kUnplug},
+    {"unplug", &Parser::nodeStep, Step::Kind::kUnplug},
     {"answer", &Parser::placeStep, Step::Kind::kAnswer},
+    {"late", &Parser::placeStep, Step::Kind::kLate},
+    {"short", &Parser::nodeStep, Step::Kind::kShort},
+    {"lights", &Parser::nodeStep, Step::Kind::kLights},
 };
 
 /// "ADDRESS PORT ...", which tells a box of the header from an expectation.
@@ -206,10 +209,13 @@ bool Parser::plugStep(std::string_view rest) {
     return device(rest);
 }
 
-bool Parser::unplugStep(std::string_view rest) {
-    const auto node = nodeNumber(rest);
+/// A node; only lights need a text after it.
+bool Parser::nodeStep(std::string_view rest) {
+    const auto node = nodeNumber(takeWord(rest));
     step_.device.number = node.value_or(0);
-    return node.has_value();
+    step_.text = rest;
+    const bool lights = rest == "none" || rest == "caps" || rest == "num" || rest == "caps+num";
+    return node && (step_.kind == Step::Kind::kLights ? lights : rest.empty());
 }
 
 bool Parser::pauseStep(std::string_view text) {

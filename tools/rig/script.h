@@ -32,6 +32,9 @@ struct Step {
         kPlug,     ///< device
         kUnplug,   ///< device.number
         kAnswer,   ///< the box `where` answers `text` from now on; empty: stays silent
+        kLate,     ///< the box `where` answers the last query with `text`, now
+        kShort,    ///< device.number gives less than a record
+        kLights,   ///< the keyboard device.number has the lights `text`: caps, num, caps+num or none
     };
 
     int line = 0;  ///< in the script, from 1

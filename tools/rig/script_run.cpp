@@ -23,6 +23,7 @@ class Player {
     void run(const Step& step);
     void settle(const Step& step);
     void emit(const Step& step);
+    void oddity(const Step& step);
     void pause(const Step& step);
     void expectReport(const Step& step, Box& box, const std::string& name);
     void expectAtBox(const Step& step);
@@ -89,8 +90,27 @@ void Player::run(const Step& step) {
         case Step::Kind::kUnplug:
             return world_.board.unplug(step.device.number);
         case Step::Kind::kAnswer:
-            return world_.box(step.where)
-                .setAnswer(step.text.empty() ? std::nullopt : std::optional(step.text));
+            return world_.setAnswer(
+                step.where, step.text.empty() ? std::nullopt : std::optional(step.text));
+        case Step::Kind::kLate:
+        case Step::Kind::kShort:
+        case Step::Kind::kLights:
+            return oddity(step);
+    }
+}
+
+/// What does not go as it should: an answer after its time, a record that breaks off; and lights.
+void Player::oddity(const Step& step) {
+    if (step.kind == Step::Kind::kLights) {
+        const unsigned num = step.text.find("num") != std::string::npos ? 1 : 0;
+        const unsigned caps = step.text.find("caps") != std::string::npos ? 2 : 0;
+        return world_.board.setLights(step.device.number, num | caps);
+    }
+    settle(step);
+    const bool late = step.kind == Step::Kind::kLate;
+    if (late ? !world_.box(step.where).answerLate(step.text)
+             : !world_.board.emitPart(step.device.number)) {
+        fault(step, "somebody who takes it", "nobody");
     }
 }
 

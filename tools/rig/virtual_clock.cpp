@@ -8,14 +8,16 @@
 /// The clock of a virtual board. The program tavrik-virtual is the daemon with this in the place of
 /// the system's clock, so that a script can put two taps 599 or 600 ms apart to the microsecond.
 ///
-/// TAVRIK_CLOCK names a file that holds the time of day and how many times faster the daemon
-/// sleeps, as "seconds microseconds speed". Without it the system's time counts.
+/// TAVRIK_CLOCK names a file that holds the time of day, how many times faster the daemon sleeps and
+/// how many milliseconds it waits for a box's answer (0: as the daemon itself wants), as "seconds
+/// microseconds speed patience". Without it the system's time counts.
 
 namespace {
 
 struct VirtualClock {
     TimeOfDay time;
     std::int64_t speed = 1;  ///< 1 to 1000
+    int patience = 0;        ///< milliseconds, 0 to 60000; 0: the daemon's own
 };
 
 std::optional<VirtualClock> readClockFile() {
@@ -27,12 +29,14 @@ std::optional<VirtualClock> readClockFile() {
     long long seconds = 0;
     long long microseconds = 0;
     long long speed = 0;
-    const int fields = std::fscanf(file, "%18lld %18lld %18lld", &seconds, &microseconds, &speed);
+    int patience = 0;
+    const int fields =
+        std::fscanf(file, "%18lld %18lld %18lld %9d", &seconds, &microseconds, &speed, &patience);
     std::fclose(file);
-    if (fields != 3 || speed < 1 || speed > 1000) {
+    if (fields != 4 || speed < 1 || speed > 1000 || patience < 0 || patience > 60000) {
         return std::nullopt;
     }
-    return VirtualClock{{seconds, microseconds}, speed};
+    return VirtualClock{{seconds, microseconds}, speed, patience};
 }
 
 }  // namespace
@@ -52,4 +56,9 @@ void sleepMicroseconds(std::int64_t microseconds) {
     const timespec wait{static_cast<time_t>(rest / 1'000'000),
                         static_cast<long>(rest % 1'000'000 * 1000)};
     nanosleep(&wait, nullptr);
+}
+
+int answerWait(int milliseconds) {
+    const auto clock = readClockFile();
+    return clock && clock->patience > 0 ? clock->patience : milliseconds;
 }

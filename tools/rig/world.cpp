@@ -12,7 +12,8 @@ namespace {
 constexpr int kPortBase = 80;
 constexpr Milliseconds kStartLimit{20000};
 constexpr Milliseconds kReportLimit{3000};
-constexpr int kMostStarts = 3;
+/// An answer that is sure to come is waited for even on a machine that has no time.
+constexpr Milliseconds kPatience{2000};
 constexpr const char* kNoBox = "0.0.0.0";
 
 std::vector<std::string> split(const std::string& text, char delimiter) {
@@ -120,11 +121,26 @@ void World::plug(const PlannedDevice& device) {
     }
 }
 
-void World::setTime(const Stamp& time, int speed) const {
-    const auto file = Daemon::clockFile(board.root());
-    board.write("clock.next", std::to_string(time.seconds) + " " +
-                                  std::to_string(time.microseconds) + " " + std::to_string(speed));
-    std::filesystem::rename(board.root() / "clock.next", file);
+void World::setTime(const Stamp& time, int speed) {
+    time_ = time;
+    speed_ = speed;
+    writeClock();
+}
+
+void World::setAnswer(const std::string& address, std::optional<std::string> answer) {
+    box(address).setAnswer(std::move(answer));
+    writeClock();
+}
+
+void World::writeClock() const {
+    const bool silence = std::any_of(boxes_.begin(), boxes_.end(), [this](const auto& entry) {
+        return !entry.second->answers() && !isUser(entry.first);
+    });
+    board.write("clock.next",
+                std::to_string(time_.seconds) + " " + std::to_string(time_.microseconds) + " " +
+                    std::to_string(speed_) + " " +
+                    std::to_string(silence ? 0 : kPatience.count()));
+    std::filesystem::rename(board.root() / "clock.next", Daemon::clockFile(board.root()));
 }
 
 void World::openBoxes(const Observer& observer) {
@@ -171,53 +187,45 @@ void World::openRecorders(const Observer& observer) {
 }
 
 std::optional<std::string> World::start(Daemon::Observer lines) {
-    for (int attempt = 1;; ++attempt) {
-        daemon_.reset();
-        clear();
-        daemon_ = std::make_unique<Daemon>(board.root(), board.work(), lines, plan_.virtualClock);
-        const auto selected = daemon_->waitForLine(
-            [](std::string_view line) { return line.starts_with("get(0x"); }, kStartLimit);
-        if (!selected) {
-            return "the listener's first line, get(0x..., did not come";
-        }
-        const std::size_t arrow = selected->rfind("-->");
-        const std::string box = arrow == std::string::npos ? "" : selected->substr(arrow + 3);
-        bool late = false;
-        const auto problem = firstBox(box, late);
-        if (problem || !late || attempt == kMostStarts) {
-            return problem;
-        }
+    if (plan_.virtualClock) {
+        writeClock();
     }
+    daemon_ = std::make_unique<Daemon>(board.root(), board.work(), std::move(lines),
+                                       plan_.virtualClock);
+    const auto selected = daemon_->waitForLine(
+        [](std::string_view line) { return line.starts_with("get(0x"); }, kStartLimit);
+    if (!selected) {
+        return "the listener's first line, get(0x..., did not come";
+    }
+    const std::size_t arrow = selected->rfind("-->");
+    return firstBox(arrow == std::string::npos ? "" : selected->substr(arrow + 3));
 }
 
 /// Before it serves an event the listener brings the first box's lights up to date and asks it for
-/// its picture size; a user-list box gets neither. `late`: the box's answer missed the short time
-/// that the daemon waits for one, as happens on a busy machine.
-std::optional<std::string> World::firstBox(const std::string& selected, bool& late) {
-    if (std::count(plan_.users.begin(), plan_.users.end(), selected) != 0) {
+/// its picture size; a user-list box gets neither.
+std::optional<std::string> World::firstBox(const std::string& selected) {
+    if (isUser(selected)) {
         return std::nullopt;
     }
-    constexpr std::string_view kEnd = "end get input info";
-    const auto answer = [kEnd](std::string_view line) {
-        return line.starts_with("get ip:") || line == kEnd;
-    };
-    const auto first = daemon_->waitForLine(answer, kReportLimit);
-    if (!first || (*first != kEnd && !daemon_->waitForLine(kEnd, kReportLimit))) {
+    if (!daemon_->waitForLine("end get input info", kReportLimit)) {
         return "the first box was not asked for its picture size";
     }
-    if (!hasBox(selected)) {
-        return std::nullopt;
-    }
-    late = *first == kEnd && box(selected).answers();
     const bool keyboard =
         std::any_of(plan_.devices.begin(), plan_.devices.end(),
                     [](const PlannedDevice& device) { return device.kind == Kind::kKeyboard; });
-    const auto report = keyboard ? box(selected).next(kReportLimit) : std::nullopt;
-    if (keyboard && (!report || !report->text.starts_with("lights "))) {
+    if (!hasBox(selected) || !keyboard) {
+        return std::nullopt;
+    }
+    const auto report = box(selected).next(kReportLimit);
+    if (!report || !report->text.starts_with("lights ")) {
         return "box " + selected + ": expected its lights first, got " +
                (report ? report->text : "nothing");
     }
     return std::nullopt;
+}
+
+bool World::isUser(const std::string& address) const {
+    return std::count(plan_.users.begin(), plan_.users.end(), address) != 0;
 }
 
 Box& World::box(const std::string& address) { return *boxes_.at(address); }

@@ -36,7 +36,7 @@ struct Plan {
     std::vector<PlannedBox> boxes;  ///< besides those that stand in the wall
     std::vector<std::string> users;
     std::map<std::string, std::string> settings;
-    bool virtualClock = false;  ///< the daemon's clock is what setTime says
+    bool virtualClock = false;  ///< the daemon's clock is what setTime says, and it waits for boxes
 };
 
 inline constexpr const char* kUsualAnswer = "vi_w=1920&vi_h=1080&kvm=abs";
@@ -55,15 +55,19 @@ class World {
     explicit World(const Plan& plan, Observer observer = {});
 
     /// Starts the daemon and waits until its listener serves the devices and the first box has been
-    /// told about the lights. Starts it anew, at most twice, when that box's answer came too late
-    /// for the daemon. Nothing when all is well, otherwise what was missing.
+    /// told about the lights. Only with a virtual clock is that box's answer sure to have counted.
+    /// Nothing when all is well, otherwise what was missing.
     std::optional<std::string> start(Daemon::Observer lines = {});
 
     void plug(const PlannedDevice& device);
 
     /// What a daemon with a virtual clock takes for the time of day, and by what every sleep of its
     /// own is divided.
-    void setTime(const Stamp& time, int speed = 1) const;
+    void setTime(const Stamp& time, int speed = 1);
+
+    /// The box answers so from now on; nothing: it stays silent, and a daemon with a virtual clock
+    /// waits for it no longer than it would on a board.
+    void setAnswer(const std::string& address, std::optional<std::string> answer);
 
     Board board;
     Box& box(const std::string& address);  ///< throws std::out_of_range when there is none
@@ -84,9 +88,13 @@ class World {
  private:
     void openBoxes(const Observer& observer);
     void openRecorders(const Observer& observer);
-    std::optional<std::string> firstBox(const std::string& selected, bool& late);
+    std::optional<std::string> firstBox(const std::string& selected);
+    bool isUser(const std::string& address) const;
+    void writeClock() const;
 
     Plan plan_;
+    Stamp time_{1000, 0};
+    int speed_ = 1;
     std::map<std::string, std::unique_ptr<Box>> boxes_;
     std::map<std::uint16_t, std::unique_ptr<Box>> osd_;
     std::unique_ptr<Box> control_;
