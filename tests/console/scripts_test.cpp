@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "rig/script.h"
 
@@ -34,10 +32,7 @@ std::string testName(const testing::TestParamInfo<std::string>& script) {
 class Script : public testing::TestWithParam<std::string> {};
 
 TEST_P(Script, GoesAsWritten) {
-    const std::string name = GetParam() + ".script";
-    std::ostringstream text;
-    text << std::ifstream(fs::path(CONSOLE_SCRIPTS) / name).rdbuf();
-    const rig::ParsedScript parsed = rig::parseScript(text.str(), name);
+    const auto parsed = rig::loadScript(fs::path(CONSOLE_SCRIPTS) / (GetParam() + ".script"));
     ASSERT_TRUE(parsed.script) << parsed.problem;
     rig::Plan plan = parsed.script->plan;
     plan.virtualClock = true;

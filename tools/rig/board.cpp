@@ -228,8 +228,8 @@ void Board::remove(const Device& device) const {
     }
 }
 
-/// Opened for each record and without a reader of its own: a node keeps nothing that was put into it
-/// while the daemon had it closed, as a real one.
+/// Opened for each record and without a reader of its own: a node keeps nothing that was put into
+/// it while the daemon had it closed, as a real one.
 bool Board::put(int number, const void* bytes, std::size_t length) const {
     const int fd = open(node(number).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {

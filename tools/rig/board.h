@@ -65,7 +65,8 @@ class Board {
     bool emitPart(int number) const;
     /// What a daemon with virtual lights reads from a keyboard: bit 0 Num Lock, bit 1 Caps Lock.
     void setLights(int number, unsigned bits) const;
-    // The same as `emit` for a whole packet, ended by a synchronisation event. `code` is a key or a button.
+    // The same as `emit` for a whole packet, ended by a synchronisation event. `code` is a key or a
+    // button.
     bool key(int number, std::uint16_t code, bool down) const;
     bool click(int number, std::uint16_t code) const;
     bool move(int number, int dx, int dy) const;

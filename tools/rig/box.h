@@ -84,8 +84,8 @@ class Box {
     std::optional<std::string> answer_;
     std::deque<Report> reports_;
     int queries_ = 0;
-    Endpoint asker_;       ///< of the last query
-    int askedPort_ = -1;   ///< descriptor of the port where it came in
+    Endpoint asker_;      ///< of the last query
+    int askedPort_ = -1;  ///< descriptor of the port where it came in
     std::thread thread_;
 };
 

@@ -8,7 +8,6 @@
 #include "rig/drive.h"
 #include "rig/isolation.h"
 #include "rig/script.h"
-#include "rig/tour.h"
 
 namespace {
 
@@ -17,7 +16,7 @@ void showReport(const std::string& name, const rig::Report& report) {
 }
 
 int demo(bool log) {
-    const rig::ParsedScript parsed = rig::parseScript(rig::kTour, "tour");
+    const rig::ParsedScript parsed = rig::loadScript(TAVRIK_TOUR);
     if (!parsed.script) {
         std::fprintf(stderr, "tavrik-rig: %s\n", parsed.problem.c_str());
         return 1;

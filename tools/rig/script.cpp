@@ -1,5 +1,7 @@
 #include "rig/script.h"
 
+#include <fstream>
+#include <sstream>
 #include <utility>
 
 #include "rig/script_words.h"
@@ -250,6 +252,14 @@ ParsedScript parseScript(std::string_view text, const std::string& name) {
         text = end == std::string_view::npos ? "" : text.substr(end + 1);
     }
     return {parser.take(), {}};
+}
+
+ParsedScript loadScript(const std::filesystem::path& path) {
+    std::ostringstream text;
+    if (!(text << std::ifstream(path).rdbuf())) {
+        return {std::nullopt, path.string() + ": cannot be read"};
+    }
+    return parseScript(text.str(), path.filename());
 }
 
 }  // namespace rig

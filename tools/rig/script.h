@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,7 +35,7 @@ struct Step {
         kAnswer,   ///< the box `where` answers `text` from now on; empty: stays silent
         kLate,     ///< the box `where` answers the last query with `text`, now
         kShort,    ///< device.number gives less than a record
-        kLights,   ///< the keyboard device.number has the lights `text`: caps, num, caps+num or none
+        kLights,  ///< the keyboard device.number has the lights `text`: caps, num, caps+num or none
     };
 
     int line = 0;  ///< in the script, from 1
@@ -60,6 +61,10 @@ struct ParsedScript {
 
 /// Pure.
 ParsedScript parseScript(std::string_view text, const std::string& name);
+
+/// Reads the script file `path`; its messages bear the file's name. One that cannot be read is a
+/// problem too.
+ParsedScript loadScript(const std::filesystem::path& path);
 
 /// Starts the daemon in `world`, which was made from script.plan, and plays the steps. Returns what
 /// did not go as written, one text a fault ("name:line: expected ..., got ..."); it gives up after

@@ -90,8 +90,8 @@ void Player::run(const Step& step) {
         case Step::Kind::kUnplug:
             return world_.board.unplug(step.device.number);
         case Step::Kind::kAnswer:
-            return world_.setAnswer(
-                step.where, step.text.empty() ? std::nullopt : std::optional(step.text));
+            return world_.setAnswer(step.where,
+                                    step.text.empty() ? std::nullopt : std::optional(step.text));
         case Step::Kind::kLate:
         case Step::Kind::kShort:
         case Step::Kind::kLights:

@@ -8,9 +8,9 @@
 /// The clock of a virtual board. The program tavrik-virtual is the daemon with this in the place of
 /// the system's clock, so that a script can put two taps 599 or 600 ms apart to the microsecond.
 ///
-/// TAVRIK_CLOCK names a file that holds the time of day, how many times faster the daemon sleeps and
-/// how many milliseconds it waits for a box's answer (0: as the daemon itself wants), as "seconds
-/// microseconds speed patience". Without it the system's time counts.
+/// TAVRIK_CLOCK names a file that holds the time of day, how many times faster the daemon sleeps
+/// and how many milliseconds it waits for a box's answer (0: as the daemon itself wants), as
+/// "seconds microseconds speed patience". Without it the system's time counts.
 
 namespace {
 

@@ -138,8 +138,7 @@ void World::writeClock() const {
     });
     board.write("clock.next",
                 std::to_string(time_.seconds) + " " + std::to_string(time_.microseconds) + " " +
-                    std::to_string(speed_) + " " +
-                    std::to_string(silence ? 0 : kPatience.count()));
+                    std::to_string(speed_) + " " + std::to_string(silence ? 0 : kPatience.count()));
     std::filesystem::rename(board.root() / "clock.next", Daemon::clockFile(board.root()));
 }
 
@@ -190,8 +189,8 @@ std::optional<std::string> World::start(Daemon::Observer lines) {
     if (plan_.virtualClock) {
         writeClock();
     }
-    daemon_ = std::make_unique<Daemon>(board.root(), board.work(), std::move(lines),
-                                       plan_.virtualClock);
+    daemon_ =
+        std::make_unique<Daemon>(board.root(), board.work(), std::move(lines), plan_.virtualClock);
     const auto selected = daemon_->waitForLine(
         [](std::string_view line) { return line.starts_with("get(0x"); }, kStartLimit);
     if (!selected) {
