@@ -136,6 +136,8 @@ TEST_F(HotPlug, PlugsAndUnplugsLeaveNothingBehind) {
     start();
     const int descriptors = daemon().descriptors();
     const int threads = daemon().threads();
+    ASSERT_GT(descriptors, 3);
+    ASSERT_GE(threads, 4);
     world().setTime({1000, 0}, 50);
     for (int round = 0; round < kRounds; ++round) {
         daemon().skipLines();

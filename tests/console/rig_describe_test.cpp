@@ -9,33 +9,6 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes text(std::string_view characters) { return {characters.begin(), characters.end()}; }
-
-TEST(Describe, NamesEveryKindOfReport) {
-    struct Row {
-        Bytes bytes;
-        const char* words;
-    };
-    const Row rows[] = {
-        {{0x57, 0xAB, 0x01, 0, 0, 0, 0, 0, 0, 0, 0}, "keys up"},
-        {{0x57, 0xAB, 0x01, 0x22, 0, 0, 0, 0, 0, 0, 0}, "modifiers LEFTSHIFT+RIGHTSHIFT"},
-        {{0x57, 0xAB, 0x01, 0x01, 0, 0x06, 0, 0, 0, 0, 0x28}, "key down LEFTCTRL+C ENTER"},
-        {{0x57, 0xAB, 0x01, 0, 0, 0xE8, 0, 0, 0, 0, 0}, "key down PLAYPAUSE"},
-        {{0x57, 0xAB, 0x01, 0, 0, 0x04, 0, 0, 0, 0, 0, 3}, "key down A locks caps+num"},
-        {{0x57, 0xAB, 0x04, 0x01, 0x05, 0x9C, 0x01, 0x2C, 0x01, 0xFF},
-         "pointer 412,300 buttons left+middle wheel -1"},
-        {{0x57, 0xAB, 0x02, 0x02, 0xFD, 0x7F, 0x01}, "motion -3,+127 buttons right wheel 1"},
-        {{0x4B, 0, 2, 7, 0, 0x18, 0x10, 0x18, 0x15, 0, 0}, "user pointer 4120,5400 buttons none"},
-        {{0x4B, 0, 1, 8, 0x08, 0, 0x04, 0, 0, 0, 0, 0}, "user key down LEFTMETA+A"},
-        {text("out&capslock=on#numlock=off"), "lights caps on num off"},
-        {text("OSDSTART"), "OSDSTART"},
-        {text(std::string_view("[ack]\nx\0\0", 9)), "[ack]\\nx + 2 NUL"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(rig::describe(row.bytes), row.words);
-    }
-}
-
 TEST(Describe, ShowsWhatIsNotQuiteAReportAsBytes) {
     const Bytes rows[] = {
         {0x57, 0xAB, 0x01, 0, 1, 0, 0, 0, 0, 0, 0},  // reserved byte set

@@ -16,7 +16,7 @@ class Parser {
         script_.plan = usualPlan();
     }
 
-    /// One line of the script; false when it makes no sense.
+    /// One line of the script, perhaps several steps joined by "=>"; false when it makes no sense.
     bool line(std::string_view text, int lineNumber);
     Script take() { return std::move(script_); }
 
@@ -88,9 +88,14 @@ bool namesPort(std::string_view rest) {
 }
 
 bool Parser::line(std::string_view text, int lineNumber) {
+    constexpr std::string_view kThen = " => ";
     text = trim(text);
     if (text.empty() || text.front() == '#') {
         return true;
+    }
+    if (const std::size_t then = text.find(kThen); then != std::string_view::npos) {
+        return line(text.substr(0, then), lineNumber) &&
+               line(text.substr(then + kThen.size()), lineNumber);
     }
     std::string_view rest = text;
     word_ = takeWord(rest);
