@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <string_view>
 
-#include "base/path_prefix.h"
 #include "app/log_output.h"
 #include "app/startup.h"
+#include "base/path_prefix.h"
 #include "input/supervisor.h"
 
 namespace {

@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <string>
 
+#include "app/board.h"
+#include "app/user_list.h"
 #include "base/path_prefix.h"
 #include "base/singleton.h"
 #include "base/state.h"
 #include "base/thread.h"
-#include "app/board.h"
-#include "app/user_list.h"
 #include "config/software_config.h"
 #include "control/command_channel.h"
 #include "control/hotkey_table.h"

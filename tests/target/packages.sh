@@ -30,10 +30,10 @@ check() {
 says() {
     local wanted=$1 got
     shift
-    got=$("$@") && [[ $got == "$wanted" ]] || {
+    if ! got=$("$@") || [[ $got != "$wanted" ]]; then
         echo "expected $wanted, got $got"
         return 1
-    }
+    fi
 }
 
 in_root() { chroot "$root" "$@"; }
@@ -47,6 +47,7 @@ install_deb() {
 fresh_root() {
     local mirror plain=$cache/debian.tar
     if [[ ! -f $plain ]]; then
+        # shellcheck disable=SC2016 # the text is apt's own
         mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Codename: bookworm' 'Component: main' \
             'Created-By: Packages' | sort -u | head -n 1)
         rm -rf "$cache/debian" &&
