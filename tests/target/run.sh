@@ -1,47 +1,25 @@
 #!/bin/bash
 # The daemon on its target: the ARM build under emulation, on real kernels with real USB devices in an
 # emulator (32-bit ARM and a PC), and as packages. Installs what is missing; as root or through sudo.
-# run.sh [BUILD]: BUILD is the directory of the build trees, `build` of the project by default. Kernels and
-# a fresh Debian are kept in BUILD/target-cache. Ends with "N passed, N failed".
+# Kernels and a fresh Debian are kept in build/target-cache. Ends with "N passed, N failed".
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 project=$(cd "$here/../.." && pwd)
 machine=$project/tools/machine
-build=$(mkdir -p "${1:-$project/build}" && cd "${1:-$project/build}" && pwd)
+build=$project/build
 cache=$build/target-cache
 if ((EUID != 0)); then
-    exec sudo "$0" "$build"
+    exec sudo "$0"
 fi
+cd "$project"
+# shellcheck source=tools/rig/build.sh
+. tools/rig/build.sh
 
-packages=(g++ g++-arm-linux-gnueabihf cmake ninja-build libboost-dev libgtest-dev libgmock-dev googletest
-    libbenchmark-dev libcli11-dev qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
+packages+=(g++-arm-linux-gnueabihf libboost-dev googletest qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
     dpkg-dev cpio kmod systemd)
-missing=()
-for package in "${packages[@]}"; do
-    if [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
-        missing+=("$package")
-    fi
-done
-if ((${#missing[@]} > 0)); then
-    echo "Installing ${missing[*]}"
-    apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
-fi
-
+install_missing
 mkdir -p "$cache"
-# make PRESET TARGET...: builds into BUILD/PRESET; the log is shown only when something fails.
-make() {
-    local preset=$1 log=$cache/build-$1.log
-    shift
-    if ! { cmake -S "$project" --preset "$preset" -B "$build/$preset" &&
-        ninja -C "$build/$preset" "$@"; } >"$log" 2>&1; then
-        tail -n 40 "$log"
-        echo "The build failed; the whole log is $log" >&2
-        return 1
-    fi
-}
 # pack PRESET: the package of a build; prints its file.
 pack() {
     rm -f "$build/$1"/tavrik_*.deb
@@ -62,8 +40,8 @@ fetched() {
 started=$SECONDS
 (fetched armhf && fetched amd64) >"$cache/fetch.log" 2>&1 &
 fetching=$!
-make arm tavrik tavrik-target-guest
-make release tavrik tavrik-target-guest tavrik-target-test
+build arm tavrik tavrik-target-guest
+build release tavrik tavrik-target-guest tavrik-target-test
 deb_arm=$(pack arm)
 deb_pc=$(pack release)
 wait "$fetching" || {

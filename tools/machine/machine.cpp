@@ -45,6 +45,7 @@ void writeAll(int fd, std::string_view text) {
 
 [[noreturn]] void runEmulator(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
@@ -187,7 +188,7 @@ std::string Machine::controlLine() {
     for (;;) {
         const std::size_t end = partAnswer_.find('\n');
         if (end != std::string::npos) {
-            const std::string line = partAnswer_.substr(0, end);
+            std::string line = partAnswer_.substr(0, end);
             partAnswer_.erase(0, end + 1);
             return line;
         }
@@ -216,7 +217,7 @@ std::string Machine::control(const std::string& request, std::string_view awaite
     for (;;) {
         std::string line = controlLine();
         if (line.find(R"("error")") != std::string::npos) {
-            throw std::runtime_error("refused: " + request + ": " + line);
+            throw std::runtime_error(std::string("refused: ").append(request).append(": ") + line);
         }
         if (line.find(awaited) != std::string::npos) {
             return line;

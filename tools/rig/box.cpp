@@ -165,7 +165,7 @@ void Box::receive(const Port& port) {
     }
     changed_.notify_all();
     if (answer) {
-        sendto(port.fd, answer->data(), answer->size(), 0, generic, length);
+        sendFrom(port.fd, {inet_ntoa(sender.sin_addr), ntohs(sender.sin_port)}, *answer);
     }
     if (observer_ && report.text != kQuery) {
         observer_(report);

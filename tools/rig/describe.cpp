@@ -23,6 +23,7 @@ bool startsWith(Bytes bytes, std::initializer_list<std::uint8_t> head) {
     std::array<char, 64> text{};
     va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start stands just above
     std::vsnprintf(text.data(), text.size(), format, arguments);
     va_end(arguments);
     return text.data();

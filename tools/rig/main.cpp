@@ -42,10 +42,7 @@ int driveByHand(bool log) {
     return rig::drive(world, log);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
+int run(int argc, char** argv) {
     CLI::App app(
         "A virtual console: keyboard, mouse, and a wall of two screens with two boxes each.");
     bool log = false;
@@ -55,9 +52,16 @@ int main(int argc, char** argv) {
     app.add_subcommand("demo", "Play a short tour and check what every box receives");
     const CLI::App* byHand = app.add_subcommand("drive", "Drive it from this terminal");
     CLI11_PARSE(app, argc, argv);
+    rig::enterOwnNetwork();  // where that is refused, the machine's own loopback serves
+    return byHand->parsed() ? driveByHand(log) : demo(log);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
     try {
-        rig::enterOwnNetwork();  // where that is refused, the machine's own loopback serves
-        return byHand->parsed() ? driveByHand(log) : demo(log);
+        return run(argc, argv);
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "tavrik-rig: %s\n", problem.what());
         return 1;

@@ -79,7 +79,7 @@ Plan usualPlan() {
     return plan;
 }
 
-World::World(const Plan& plan, Observer observer) : plan_(plan) {
+World::World(const Plan& plan, const Observer& observer) : plan_(plan) {
     const std::vector<std::string> screens = outputs(plan);
     if (plan_.local.empty()) {
         plan_.local = screens.empty() ? "127.0.0.1" : screens.front();
@@ -172,6 +172,7 @@ void World::openRecorders(const Observer& observer) {
     for (const int number : {wire::kOsdCommandPort, wire::kOsdKeyPort}) {
         const auto port = static_cast<std::uint16_t>(number);
         std::vector<Endpoint> ends;
+        ends.reserve(addresses.size());
         for (const std::string& address : addresses) {
             ends.push_back({address, port});
         }

@@ -52,7 +52,7 @@ class World {
     using Observer = std::function<void(const std::string& name, const Report& report)>;
 
     /// Lays out the board and opens all ports. Throws std::system_error when the machine refuses.
-    explicit World(const Plan& plan, Observer observer = {});
+    explicit World(const Plan& plan, const Observer& observer = {});
 
     /// Starts the daemon and waits until its listener serves the devices and the first box has been
     /// told about the lights. Only with a virtual clock is that box's answer sure to have counted.
