@@ -1,6 +1,7 @@
 #include "net/udp_socket.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -14,11 +15,13 @@
 #include "base/clock.h"
 #include "net/dotted_text.h"
 #include "net/network_info.h"
+#include "net/socket_options.h"
 
 namespace {
 
 constexpr int kReceiveWaitMs = 20;
 constexpr long kServerTimeOutUs = 35000;
+constexpr long kTimeOutUs = 15000;
 constexpr int kMostDrained = 1024;
 
 enum class Wait { kReadable, kNothing, kFailed };
@@ -37,7 +40,7 @@ Wait waitReadable(int fd, int milliseconds) {
     return ready > 0 ? Wait::kReadable : Wait::kNothing;
 }
 
-long receive(int fd, void* buffer, long length, int flags, sockaddr_in& sender) {
+long takeDatagram(int fd, void* buffer, long length, int flags, sockaddr_in& sender) {
     sockaddr_in from{};
     socklen_t size = sizeof from;
     const ssize_t got = recvfrom(fd, buffer, static_cast<std::size_t>(length), flags,
@@ -48,7 +51,7 @@ long receive(int fd, void* buffer, long length, int flags, sockaddr_in& sender) 
     return got;
 }
 
-int send(int fd, const sockaddr_in& to, const void* buffer, long length) {
+int sendDatagram(int fd, const sockaddr_in& to, const void* buffer, long length) {
     return static_cast<int>(sendto(fd, buffer, static_cast<std::size_t>(length), 0,
                                    reinterpret_cast<const sockaddr*>(&to), sizeof to));
 }
@@ -93,7 +96,8 @@ int UDPSocket::CreateUDPServer(unsigned port, unsigned receiveTimeOut, bool nonB
     if (fd < 0) {
         return -1;
     }
-    if (reuse && setOption(SOL_SOCKET, SO_REUSEADDR, 1, "setsockopt():SO_REUSEADDR") == 0) {
+    if (reuse && setSocketOption(descriptor_, SOL_SOCKET, SO_REUSEADDR, 1,
+                                 "setsockopt():SO_REUSEADDR") == 0) {
         return -1;
     }
     if (nonBlocking) {
@@ -101,7 +105,7 @@ int UDPSocket::CreateUDPServer(unsigned port, unsigned receiveTimeOut, bool nonB
     }
     nonBlocking_ = nonBlocking;
     if (receiveTimeOut != 0) {
-        setReceiveTimeOut(kServerTimeOutUs);
+        setReceiveTimeOut(fd, kServerTimeOutUs);
     }
     return bindTo(fd, own) ? fd : -1;
 }
@@ -112,13 +116,13 @@ long UDPSocket::Receive(void* buffer, long length, sockaddr_in& sender) {
     }
     const int fd = descriptor_;
     if (!nonBlocking_) {
-        return receive(fd, buffer, length, 0, sender);
+        return takeDatagram(fd, buffer, length, 0, sender);
     }
     switch (waitReadable(fd, answerWait(kReceiveWaitMs))) {
         case Wait::kNothing:
             return 0;
         case Wait::kReadable:
-            return receive(fd, buffer, length, MSG_DONTWAIT, sender);
+            return takeDatagram(fd, buffer, length, MSG_DONTWAIT, sender);
         case Wait::kFailed:
             break;
     }
@@ -147,7 +151,7 @@ int UDPSocket::SendTo(const void* buffer, long length) {
     if (connected != 0) {
         return static_cast<int>(write(descriptor_, buffer, static_cast<std::size_t>(length)));
     }
-    return send(descriptor_, to, buffer, length);
+    return sendDatagram(descriptor_, to, buffer, length);
 }
 
 int UDPSocket::SendTo(const char* ip, unsigned port, const void* buffer, long length) {
@@ -155,7 +159,7 @@ int UDPSocket::SendTo(const char* ip, unsigned port, const void* buffer, long le
     if (ip == nullptr || buffer == nullptr || length < 0 || inet_aton(ip, &address) == 0) {
         return -1;
     }
-    return send(descriptor_, ipv4(address.s_addr, port), buffer, length);
+    return sendDatagram(descriptor_, ipv4(address.s_addr, port), buffer, length);
 }
 
 int UDPSocket::EchoTo(const void* buffer, long length) {
@@ -168,14 +172,14 @@ int UDPSocket::EchoTo(const void* buffer, long length) {
     std::printf("Receive client (%s:%u) on socket: %d  \nmessage:%s\n",
                 dottedText(to.sin_addr).c_str(), static_cast<unsigned>(ntohs(to.sin_port)),
                 descriptor_.load(), text.c_str());
-    return send(descriptor_, to, buffer, length);
+    return sendDatagram(descriptor_, to, buffer, length);
 }
 
 sockaddr_in UDPSocket::GetClientSockaddr() const { return peer_.copy(); }
 
 int UDPSocket::AddMemberShip(const char* group, const char* interface) {
-    if (group == nullptr ||
-        setOption(IPPROTO_IP, IP_MULTICAST_LOOP, 1, "setsockopt():IP_MULTICAST_LOOP") == 0) {
+    if (group == nullptr || setSocketOption(descriptor_, IPPROTO_IP, IP_MULTICAST_LOOP, 1,
+                                            "setsockopt():IP_MULTICAST_LOOP") == 0) {
         return 0;
     }
     ip_mreq request{};
@@ -207,7 +211,8 @@ int UDPSocket::DropMemberShip() {
 }
 
 int UDPSocket::AddBroadCast(const char* interface) {
-    if (setOption(SOL_SOCKET, SO_BROADCAST, 1, "setsockopt():SO_BROADCAST") == 0) {
+    if (setSocketOption(descriptor_, SOL_SOCKET, SO_BROADCAST, 1, "setsockopt():SO_BROADCAST") ==
+        0) {
         return 0;
     }
     in_addr_t destination = INADDR_BROADCAST;
@@ -224,7 +229,8 @@ int UDPSocket::AddBroadCast(const char* interface) {
 }
 
 int UDPSocket::BindLocalAddr(const char* interface, unsigned port, bool reuse) {
-    if (reuse && setOption(SOL_SOCKET, SO_REUSEADDR, 1, "setsockopt():SO_REUSEADDR") == 0) {
+    if (reuse && setSocketOption(descriptor_, SOL_SOCKET, SO_REUSEADDR, 1,
+                                 "setsockopt():SO_REUSEADDR") == 0) {
         return 0;
     }
     std::array<char, NetworkInfo::kTextSize> text{};
@@ -247,10 +253,56 @@ int UDPSocket::readEmptySocket() {
             break;
         }
         sockaddr_in sender{};
-        if (receive(fd, scratch.data(), scratch.size(), MSG_DONTWAIT, sender) >= 0) {
+        if (takeDatagram(fd, scratch.data(), scratch.size(), MSG_DONTWAIT, sender) >= 0) {
             peer_.set(sender);
         }
     }
     std::puts("socket read emput");
     return 0;
+}
+
+int UDPSocket::setnonblocking() {
+    // The descriptor's close-on-exec flags serve as its file status flags, on purpose: the kernel
+    // ignores the access-mode bit that FD_CLOEXEC falls on, so what is set is O_NONBLOCK alone.
+    const int flags = fcntl(descriptor_, F_GETFD);
+    return flags >= 0 && fcntl(descriptor_, F_SETFL, flags | O_NONBLOCK) >= 0 ? 1 : 0;
+}
+
+int UDPSocket::setTimeOut() {
+    setReceiveTimeOut(descriptor_, kTimeOutUs);
+    return 0;
+}
+
+int UDPSocket::GetRevBuf() {
+    return getSocketOption(descriptor_, SOL_SOCKET, SO_RCVBUF, "getsockopt():SO_RCVBUF");
+}
+
+int UDPSocket::GetSndBuf() {
+    return getSocketOption(descriptor_, SOL_SOCKET, SO_SNDBUF, "getsockopt():SO_SNDBUF");
+}
+
+int UDPSocket::SetRevBuf(int size) {
+    return setSocketOption(descriptor_, SOL_SOCKET, SO_RCVBUF, size, "setsockopt():SO_RCVBUF");
+}
+
+int UDPSocket::SetSndBuf(int size) {
+    return setSocketOption(descriptor_, SOL_SOCKET, SO_SNDBUF, size, "setsockopt():SO_SNDBUF");
+}
+
+// Both getters report the same text, on purpose.
+int UDPSocket::GetIpTTL() {
+    return getSocketOption(descriptor_, IPPROTO_IP, IP_TTL, "setsockopt():IP_TTL");
+}
+
+int UDPSocket::GetMulticastTTL() {
+    return getSocketOption(descriptor_, IPPROTO_IP, IP_MULTICAST_TTL, "setsockopt():IP_TTL");
+}
+
+int UDPSocket::SetIpTTL(int ttl) {
+    return setSocketOption(descriptor_, IPPROTO_IP, IP_TTL, ttl, "setsockopt():IP_TTL");
+}
+
+int UDPSocket::SetMulticastTTL(int ttl) {
+    return setSocketOption(descriptor_, IPPROTO_IP, IP_MULTICAST_TTL, ttl,
+                           "setsockopt():IP_MULTICAST_TTL");
 }

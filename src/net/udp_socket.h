@@ -91,10 +91,6 @@ class UDPSocket {
     int SetMulticastTTL(int ttl);
 
  private:
-    int getOption(int level, int name, const char* problem) const;
-    int setOption(int level, int name, int value, const char* problem);
-    int setReceiveTimeOut(long microseconds);
-
     Shared<std::int32_t> descriptor_{-1};
     Guarded<ip_mreq> membership_;
     Guarded<sockaddr_in> own_;  ///< bound address; its address part is also SendTo's destination

@@ -111,4 +111,20 @@ TEST(UDPSocket, DrainDiscardsWhatWaitsAndSaysSo) {
     }
 }
 
+TEST(UDPSocket, DrainEndsUnderAFlood) {
+    Open flooded, b;
+    const int room = 8 << 20;
+    if (setsockopt(flooded.fd, SOL_SOCKET, SO_RCVBUFFORCE, &room, sizeof room) != 0) {
+        GTEST_SKIP() << "no room for so many datagrams";
+    }
+    for (int i = 0; i < 1100; ++i) {
+        b.send(flooded, "x");
+    }
+    EXPECT_EQ(flooded.socket.readEmptySocket(), 0);
+    int left = 0;
+    for (; flooded.receive() == "x"; ++left) {
+    }
+    EXPECT_EQ(left, 1100 - 1024);
+}
+
 }  // namespace
