@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdlib>
+#include <limits>
 #include <optional>
 
 namespace {
@@ -84,6 +86,12 @@ std::vector<std::string_view> settingsIn(std::string_view text) {
         values.push_back(*value);
     }
     return values;
+}
+
+std::int32_t settingNumber(const std::string& value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    const long long number = std::strtoll(value.c_str(), nullptr, 10);
+    return static_cast<std::int32_t>(std::clamp<long long>(number, Limits::min(), Limits::max()));
 }
 
 std::string settingsText(const std::vector<std::string>& values) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,9 @@ std::string settingKey(unsigned index);
 /// behind the key's first occurrence in it. One scan, whatever the number of lines. The views point
 /// into `text`.
 std::vector<std::string_view> settingsIn(std::string_view text);
+
+/// The decimal number at the start of a value (0 without one), held within 32 bits.
+std::int32_t settingNumber(const std::string& value);
 
 /// The lines that `values` (4096 of them) are saved and printed as.
 std::string settingsText(const std::vector<std::string>& values);

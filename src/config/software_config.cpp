@@ -1,9 +1,6 @@
 #include "config/software_config.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <limits>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -18,12 +15,6 @@ std::vector<std::string> defaultValues() {
     values[kServerPortIndex] = std::string("80");
     values[kOutNumIndex] = std::string("0");
     return values;
-}
-
-std::int32_t decimal(const std::string& text) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    const long number = std::strtol(text.c_str(), nullptr, 10);
-    return static_cast<std::int32_t>(std::clamp<long>(number, Limits::min(), Limits::max()));
 }
 
 /// Lines may hold several keys, so the values can add up to more than the file.
@@ -83,7 +74,7 @@ bool SoftwareConfig::ReadConfig() {
         return table.values[kOutNumIndex];
     });
     if (values.size() > kOutNumIndex) {
-        outNum_ = decimal(outNum);
+        outNum_ = settingNumber(outNum);
     }
     return true;
 }
@@ -92,7 +83,7 @@ void SoftwareConfig::refuse(const char* problem, bool isRegular) {
     const std::string path = prefixedPath(path_);
     if (!isRegular) {
         std::printf("%s %s: no settings loaded\n", path_.c_str(), problem);
-    } else if (std::rename(path.c_str(), (path + ".refused").c_str()) == 0) {
+    } else if (file_.setAside(path + ".refused")) {
         std::printf("%s %s: no settings loaded, file kept as %s.refused\n", path_.c_str(), problem,
                     path_.c_str());
     } else {

@@ -11,10 +11,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -43,9 +45,15 @@ std::optional<FileKind> kindOf(const std::string& path) {
     return FileKind{S_ISREG(info.st_mode), info.st_mode & 0777};
 }
 
+/// The file that `path` leads to; of a link whose file is not there yet, the file that it names.
 std::string resolved(const std::string& path) {
     const std::unique_ptr<char, Free> real(realpath(path.c_str(), nullptr));
-    return real ? real.get() : path;
+    if (real) {
+        return real.get();
+    }
+    std::error_code none;
+    const std::filesystem::path named = std::filesystem::read_symlink(path, none);
+    return none ? path : (std::filesystem::path(path).parent_path() / named).string();
 }
 
 std::string directoryOf(const std::string& path) {
@@ -54,6 +62,17 @@ std::string directoryOf(const std::string& path) {
 }
 
 std::string_view nameOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+
+/// True when the six characters are of those that mkostemp puts in the place of its X.
+bool isOfOurNaming(std::string_view ending) {
+    return ending.size() == 6 && std::all_of(ending.begin(), ending.end(),
+                                             [](unsigned char c) { return std::isalnum(c) != 0; });
+}
+
+/// The result of a call that a file system may not know or not allow: that is no failure.
+bool doneOrNotKnown(int result) {
+    return result == 0 || errno == EINVAL || errno == EPERM || errno == ENOTSUP;
+}
 
 bool writeAll(int fd, std::string_view text) {
     while (!text.empty()) {
@@ -92,9 +111,10 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
     if (fd < 0) {
         return directoryRefuses(errno) && writeInPlace(target, text, order);
     }
-    const bool written = writeAll(fd, text) &&
-                         fchmod(fd, existing ? existing->permissions : mode_t{0644}) == 0 &&
-                         fsync(fd) == 0;
+    const bool written =
+        writeAll(fd, text) &&
+        doneOrNotKnown(fchmod(fd, existing ? existing->permissions : mode_t{0644})) &&
+        doneOrNotKnown(fsync(fd));
     const bool complete = fd.close() && written;
     const Renamed renamed = complete ? renameOver(temporary, target, order) : Renamed::kFailed;
     if (renamed != Renamed::kDone) {
@@ -105,6 +125,10 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
     }
     syncDirectory(directoryOf(target));
     return renamed != Renamed::kFailed;
+}
+
+bool WholeFile::setAside(const std::string& kept) const {
+    return std::rename(resolved(path_).c_str(), kept.c_str()) == 0;
 }
 
 WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std::string& target,
@@ -132,7 +156,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
         return false;
     }
     newest_.set(order);
-    const bool written = writeAll(fd, text) && fsync(fd) == 0;
+    const bool written = writeAll(fd, text) && doneOrNotKnown(fsync(fd));
     return fd.close() && written;
 }
 
@@ -147,6 +171,7 @@ void WholeFile::removeLeftovers() const {
         const std::string_view found = entry->d_name;
         struct stat info {};
         if (found.size() == name.size() && found.starts_with(start) &&
+            isOfOurNaming(found.substr(start.size())) &&
             fstatat(dirfd(entries.get()), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 &&
             S_ISREG(info.st_mode) &&
             std::abs(std::time(nullptr) - info.st_mtime) > kSecondsOfASave) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -160,9 +159,9 @@ int MapToSv() {
         config->SetConfigChar(kFirstMapIndex + count, mapLine(key, screen));
         ++count;
     }
-    const long stored = std::strtol(config->GetConfig(kOutNumIndex).c_str(), nullptr, 10);
-    const long previous = std::min<long>(stored, kSettingCount - kFirstMapIndex);
-    for (unsigned n = count; static_cast<long>(n) < previous; ++n) {
+    const std::int32_t previous = std::min(settingNumber(config->GetConfig(kOutNumIndex)),
+                                           std::int32_t{kSettingCount - kFirstMapIndex});
+    for (unsigned n = count; static_cast<std::int32_t>(n) < previous; ++n) {
         config->SetConfigChar(kFirstMapIndex + n, "clear");
     }
     config->SetConfig(kOutNumIndex, static_cast<int>(count));

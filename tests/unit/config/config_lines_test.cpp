@@ -7,6 +7,18 @@ namespace {
 const std::string kFixed =
     "kUdpServerPort=81\nkActKeyEvent=a\nkHotkeymap=h\nkHotCmd0=c0\nkHotCmd1=c1\nkHotCmd2=c2\n";
 
+TEST(SettingNumber, IsHeldWithin32Bits) {
+    const std::pair<const char*, std::int32_t> rows[] = {{"", 0},
+                                                         {"x", 0},
+                                                         {"12x", 12},
+                                                         {"-7", -7},
+                                                         {"4294967297", 2147483647},
+                                                         {"-99999999999999999999", -2147483648}};
+    for (const auto& [text, number] : rows) {
+        EXPECT_EQ(settingNumber(text), number) << text;
+    }
+}
+
 TEST(SettingsIn, FollowsTheFirstLineThatContainsTheKey) {
     const std::pair<std::string, std::vector<std::string_view>> rows[] = {
         {"", {}},

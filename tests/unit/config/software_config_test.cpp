@@ -79,14 +79,17 @@ TEST(SoftwareConfig, AFileThatCannotBeMeantIsSetAsideWhole) {
     };
     for (const auto& [text, problem] : rows) {
         const Scratch scratch;
-        const std::string path = scratch.put("ini", text);
+        scratch.put("file", text);
+        const std::string path = scratch.path("ini");
+        std::filesystem::create_symlink("file", path);
         SoftwareConfig config(path);
         EXPECT_EQ(printedBy([&] { EXPECT_TRUE(config.ReadConfig()); }),
                   "[ReadConfig]-69: read_config:" + path + "\n" + path + " " + problem +
                       ": no settings loaded, file kept as " + path + ".refused\n");
         EXPECT_TRUE(config.SaveConfig());
         EXPECT_TRUE(scratch.get("ini.refused") == text) << problem;
-        EXPECT_EQ(scratch.get("ini"), "kUdpServerPort=80\n" + kHead + fixedMapLines());
+        EXPECT_EQ(scratch.get("file"), "kUdpServerPort=80\n" + kHead + fixedMapLines());
+        EXPECT_TRUE(std::filesystem::is_symlink(path)) << "the link was replaced";
     }
     const Scratch directory;
     directory.put("file", "");

@@ -1,8 +1,12 @@
 #include "config/whole_file.h"
 
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <sys/time.h>
 
+#include <cerrno>
 #include <csignal>
 
 #include "config/software_config.h"
@@ -28,6 +32,9 @@ class Unprivileged {
     bool changed_;
 };
 
+/// The error of every fsync, 0 for none.
+int failingFsync = 0;
+
 mode_t permissionsOf(const std::string& path) {
     struct stat info {};
     stat(path.c_str(), &info);
@@ -47,7 +54,38 @@ TEST(WholeFile, KeepsPermissionsAndLinksAndNeverGoesBackInTime) {
     EXPECT_EQ(scratch.get("old"), "next");
     EXPECT_EQ(permissionsOf(old), 0640U);
     EXPECT_TRUE(std::filesystem::is_symlink(scratch.path("link")));
-    EXPECT_EQ(scratch.names(), (Names{"new", "old", "link"}));
+    std::filesystem::create_symlink("later", scratch.path("ahead"));
+    EXPECT_TRUE(WholeFile(scratch.path("ahead")).replace("made", 1));
+    EXPECT_EQ(scratch.get("later"), "made");
+    EXPECT_EQ(scratch.names(), (Names{"new", "old", "link", "ahead", "later"}));
+}
+
+TEST(WholeFile, KeepsTheOldTextWhereThereIsNoRoomForASecondFile) {
+    const Scratch scratch;
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("full", scratch.path().c_str(), "tmpfs", 0, "nr_inodes=2") != 0) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    WholeFile file(scratch.put("file", "old"));
+    EXPECT_FALSE(file.replace("new", 1));
+    EXPECT_EQ(scratch.get("file"), "old");
+    umount(scratch.path().c_str());
+}
+
+/// What the file system refuses by nature is no failure; what it fails to do is.
+TEST(WholeFile, FailsOnlyWhereTheTextIsNotSafe) {
+    const Scratch scratch;
+    const std::pair<int, bool> rows[] = {
+        {EINVAL, true}, {EPERM, true}, {ENOTSUP, true}, {EIO, false}, {0, true}};
+    std::uint64_t order = 0;
+    for (const auto& [error, saved] : rows) {
+        const std::string text = "text " + std::to_string(++order);
+        failingFsync = error;
+        EXPECT_EQ(WholeFile(scratch.path("file")).replace(text, order), saved) << error;
+        failingFsync = 0;
+        EXPECT_EQ(scratch.get("file") == text, saved) << error;
+    }
 }
 
 TEST(WholeFile, IsWrittenInPlaceWhereTheDirectoryRefuses) {
@@ -101,14 +139,24 @@ TEST(WholeFile, FailsOnWhatIsNoFileToWriteAndRemovesOnlyOldFilesOfItsOwn) {
             EXPECT_FALSE(WholeFile(scratch.path(name)).replace("text", 1)) << name;
         }
     }
-    for (const char* name : {"fifo.tmp-Ab12Cd", "fifo.tmp-toolong", "other.tmp-Ab12Cd"}) {
+    for (const char* name :
+         {"fifo.tmp-Ab12Cd", "fifo.tmp-toolong", "other.tmp-Ab12Cd", "fifo.tmp-my.txt"}) {
         const timeval old[2] = {{1000, 0}, {1000, 0}};
         utimes(scratch.put(name, "x").c_str(), old);
     }
     scratch.put("fifo.tmp-Young1", "x");
     WholeFile(scratch.path("fifo")).removeLeftovers();
     EXPECT_EQ(scratch.names(), (Names{"directory", "fifo", "readonly", "fifo.tmp-toolong",
-                                      "other.tmp-Ab12Cd", "fifo.tmp-Young1"}));
+                                      "other.tmp-Ab12Cd", "fifo.tmp-my.txt", "fifo.tmp-Young1"}));
 }
 
 }  // namespace
+
+/// In the place of the library's.
+extern "C" int fsync(int fd) {
+    if (failingFsync != 0) {
+        errno = failingFsync;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_fsync, fd));
+}
