@@ -16,7 +16,8 @@ constexpr const char* kHelp =
     "usage: tavrik [--root DIR]\n"
     "The console-side daemon of a networked keyboard, video and mouse wall.\n"
     "\n"
-    "  --root DIR   put DIR before every absolute path that is opened (a virtual board)\n"
+    "  --root DIR   a virtual board: DIR stands before every absolute path that is opened,\n"
+    "               and shell commands are run only where DIR/bin has the program\n"
     "  --version    print the version and end\n"
     "  --help       print this text and end\n";
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <string>
@@ -12,6 +11,7 @@
 #include "base/clock.h"
 #include "base/file_start.h"
 #include "base/path_prefix.h"
+#include "base/shell.h"
 
 namespace {
 
@@ -128,9 +128,7 @@ void RealBoardAccess::writeRegister(std::uint32_t address, std::uint32_t value) 
     Hi_SetReg(address, value);
 }
 
-void RealBoardAccess::runShell(const char* command) {
-    [[maybe_unused]] const int status = std::system(command);
-}
+void RealBoardAccess::runShell(const char* command) { ::runShell(command); }
 
 void RealBoardAccess::wait(std::int64_t microseconds) { sleepMicroseconds(microseconds); }
 

@@ -1,5 +1,6 @@
 #include "app/log_output.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -27,10 +28,14 @@ void tellLeftOut(LogSink& sink) {
     (void)!write(sink.fd, line.data(), static_cast<std::size_t>(length));
 }
 
+/// The descriptor, or -1 when the program was started without it: a file or socket may get its
+/// number later, and no line may go there.
+int openAtStart(int fd) { return fcntl(fd, F_GETFD) >= 0 ? fd : -1; }
+
 /// stdio's write function. It takes everything, so that stdio never keeps or repeats anything.
 ssize_t writeLog(void* cookie, const char* bytes, std::size_t count) {
     auto& sink = *static_cast<LogSink*>(cookie);
-    std::size_t done = 0;
+    std::size_t done = sink.fd < 0 ? count : 0;
     while (done < count) {
         if (!isWritable(sink)) {
             sink.leftOut += count - done;
@@ -63,8 +68,8 @@ std::FILE* openLogStream(LogSink& sink) {
 }
 
 void guardStandardStreams() {
-    static LogSink outSink{STDOUT_FILENO};
-    static LogSink errSink{STDERR_FILENO};
+    static LogSink outSink{openAtStart(STDOUT_FILENO)};
+    static LogSink errSink{openAtStart(STDERR_FILENO)};
     if (std::FILE* out = openLogStream(outSink)) {
         stdout = out;
     }

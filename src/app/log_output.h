@@ -8,7 +8,7 @@
 /// reader goes on.
 
 struct LogSink {
-    int fd = -1;
+    int fd = -1;              ///< -1: every line is left out
     std::size_t leftOut = 0;  ///< bytes since the reader stood still; 0 while it reads
 };
 
@@ -16,6 +16,7 @@ struct LogSink {
 /// The sink outlives the stream. Null when the memory for the stream is missing.
 std::FILE* openLogStream(LogSink& sink);
 
-/// Puts such streams in the place of standard output and standard error. Called once by main before
+/// Puts such streams in the place of standard output and standard error; one whose descriptor is
+/// closed takes its lines nowhere. Called once by main before
 /// any other thread exists.
 void guardStandardStreams();

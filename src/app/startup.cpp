@@ -10,6 +10,7 @@
 #include "app/board.h"
 #include "app/user_list.h"
 #include "base/path_prefix.h"
+#include "base/shell.h"
 #include "base/singleton.h"
 #include "base/state.h"
 #include "base/thread.h"
@@ -56,12 +57,6 @@ void chooseDisplayMode() {
     ctrl_3_flag = 1;
 }
 
-void runShell(const char* command) {
-    if (std::system(command) == -1) {
-        std::perror(command);
-    }
-}
-
 void learnLocalAddress() {
     const std::string text = GetLocalIp();
     const AddressText address{text};
@@ -100,8 +95,7 @@ void resetAddresses() {
 }
 
 void loadWall(const SoftwareConfig& config) {
-    const auto count =
-        static_cast<int>(std::strtol(config.GetConfig(kOutNumIndex).c_str(), nullptr, 10));
+    const std::int32_t count = settingNumber(config.GetConfig(kOutNumIndex));
     std::printf("out number-->%d\n", count);
     if (count == 0) {
         return;
@@ -118,6 +112,8 @@ void loadWall(const SoftwareConfig& config) {
     getCurrentInfo(nullptr, localip.copy().c_str());
 }
 
+}  // namespace
+
 void openControlSocket() {
     auto* socket = new UDPSocket;  // lives as long as the process
     socket->CreateUDPServer(kKvmSetPort, 0, false, true);
@@ -131,6 +127,8 @@ void openControlSocket() {
     }
 }
 
+namespace {
+
 void startThreads() {
     if (const pthread_t thread = CreateThread(kvmSet, kPriority, kPolicy, kJoinable, nullptr)) {
         std::printf("thread tid-->%lu\n", static_cast<unsigned long>(thread));
@@ -141,6 +139,7 @@ void startThreads() {
         std::puts("vi width and heigth thread create success");
     } else {
         std::fputs("vi width and heigth thread create error", stdout);
+        std::fflush(stdout);  // no line end follows
     }
 }
 

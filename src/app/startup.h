@@ -5,5 +5,9 @@
 /// failure stops it. Main thread, once.
 void startUp();
 
+/// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main
+/// thread, before any other thread exists.
+void openControlSocket();
+
 /// The version that start-up prints.
 inline constexpr const char* kVersion = "T-0.0.0.6";

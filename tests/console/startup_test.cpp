@@ -93,13 +93,19 @@ TEST_F(Startup, UnusableFilesCostOneLineEach) {
 TEST_F(Startup, LoadsAsManyMapLinesAsTheTableHolds) {
     std::string settings =
         "kUdpServerPort=80\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\nkHotCmd1=\nkHotCmd2=\nkOutNum=4089\n";
-    for (int n = 0; n < 4089; ++n) {
+    settings += "kOutIpmap0=0,0,127.0.0.20";
+    for (int x = 0; x < 100; ++x) {  // a long line
+        settings += "#" + std::to_string(x) + ",0,127.0.0.31-8000";
+    }
+    settings += "\n";
+    for (int n = 1; n < 4089; ++n) {
         settings += "kOutIpmap" + std::to_string(n) + "=" + std::to_string(n % 129) + "," +
                     std::to_string(n / 129) + ",127.0.0.20#0,0,127.0.0.31-8000\n";
     }
     world().board.write("data/tav_rik.ini", settings);
     rig::Daemon console(world().board.root(), world().board.work());
     ASSERT_TRUE(console.waitForLine("out number-->4089", rig::Milliseconds{15000}));
+    EXPECT_TRUE(console.waitForLine("in:xmax:100,ymax:1,ip:127.0.0.31-8000", kLimit));
     ASSERT_TRUE(console.waitForLine("======>start listenInput<======", rig::Milliseconds{15000}));
     EXPECT_EQ(board().read("data/tav_rik.ini"), settings) << "a full table is written back whole";
 }
@@ -116,6 +122,17 @@ TEST_F(Startup, JoinsTheControlGroupOnEth0) {
     const rig::Box management({{"192.168.77.1", 0}});
     ASSERT_TRUE(management.send({"224.168.1.1", 41236}, "KVMQUIT"));
     expectLine("kvm quit");
+}
+
+TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {
+    world();
+    const std::string command = "cd " + board().work().string() + " && exec timeout 1 " +
+                                rig::Daemon::programPath() + " --root " + board().root().string() +
+                                " <&- >&- 2>&-";
+    EXPECT_NE(std::system(command.c_str()), 0) << "ended by the clock";
+    const std::string settings = board().read("data/tav_rik.ini");
+    EXPECT_THAT(settings, StartsWith("kUdpServerPort="));
+    EXPECT_EQ(settings.find("result-->"), std::string::npos);
 }
 
 TEST(CommandLine, OptionsAreAnsweredInOneGo) {

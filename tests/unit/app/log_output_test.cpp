@@ -45,3 +45,11 @@ TEST(LogOutput, AReaderThatStandsStillCostsOneSecondAndTheLinesInBetween) {
     close(ends[0]);
     close(ends[1]);
 }
+
+TEST(LogOutput, AStreamThatWasClosedAtTheStartTakesItsLinesNowhere) {
+    LogSink sink{-1};
+    std::FILE* log = openLogStream(sink);
+    ASSERT_NE(log, nullptr);
+    EXPECT_GT(std::fprintf(log, "a line\n"), 0);
+    EXPECT_EQ(std::fclose(log), 0);
+}
