@@ -4,8 +4,8 @@
 
 #include "config/config_lines.h"
 #include "input/key_table.h"
+#include "remote/box_reply.h"
 #include "remote/map_text.h"
-#include "remote/source_query.h"
 
 namespace {
 

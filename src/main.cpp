@@ -1,13 +1,13 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <string_view>
 
+#include "app/ending.h"
+#include "app/inputevent.h"
 #include "app/log_output.h"
 #include "app/startup.h"
 #include "base/path_prefix.h"
+#include "base/singleton.h"
 #include "input/supervisor.h"
 
 namespace {
@@ -49,27 +49,17 @@ int parseArguments(int count, char** arguments) {
     return -1;
 }
 
-/// A descriptor of 0 means "closed" in the device lists, so none of the first three may be free.
-void keepStandardDescriptors() {
-    int fd = 0;
-    do {
-        fd = open("/dev/null", O_RDWR);
-    } while (fd >= 0 && fd <= STDERR_FILENO);
-    if (fd >= 0) {
-        close(fd);
-    }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    keepStandardDescriptors();
     guardStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
     const int status = parseArguments(argc, argv);
     if (status >= 0) {
         return status;
     }
-    startUp();
-    TimeCheckKeyEvent();
+    letGoAtTheEnd();
+    const auto events = Singleton<inputevent_>::instance();
+    startUp(*events);
+    TimeCheckKeyEvent(events->forInput);
 }

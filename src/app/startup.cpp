@@ -19,6 +19,8 @@
 #include "control/hotkey_table.h"
 #include "net/local_ip.h"
 #include "net/udp_socket.h"
+#include "remote/current_screen.h"
+#include "remote/handover.h"
 #include "remote/source_query.h"
 #include "remote/wall_map.h"
 
@@ -76,10 +78,10 @@ void loadSettings(SoftwareConfig& config) {
     const long port = std::strtol(text.c_str(), nullptr, 10);
     if (port < 0 || port > kMaxPort) {
         std::printf("no UDP port in kUdpServerPort=%s\n", text.c_str());
-        inputPort = kDefaultInputPort;
+        setInputPort(kDefaultInputPort);
         return;
     }
-    inputPort = static_cast<std::int32_t>(port);
+    setInputPort(static_cast<std::int32_t>(port));
 }
 
 void openInputSocket() {
@@ -89,9 +91,8 @@ void openInputSocket() {
 }
 
 void resetAddresses() {
-    curIp.set(AddressText{AddressText::kNone});
-    curName.set(AddressText{AddressText::kNone});
-    curOutIp.set(localip.copy());
+    stopControl();
+    setOutIp(localip.copy());
 }
 
 void loadWall(const SoftwareConfig& config) {
@@ -129,8 +130,8 @@ void openControlSocket() {
 
 namespace {
 
-void startThreads() {
-    if (const pthread_t thread = CreateThread(kvmSet, kPriority, kPolicy, kJoinable, nullptr)) {
+void startThreads(CommandSlices& commands) {
+    if (const pthread_t thread = CreateThread(kvmSet, kPriority, kPolicy, kJoinable, &commands)) {
         std::printf("thread tid-->%lu\n", static_cast<unsigned long>(thread));
     } else {
         std::puts("thread create error");
@@ -145,7 +146,7 @@ void startThreads() {
 
 }  // namespace
 
-void startUp() {
+void startUp(inputevent_& events) {
     std::printf("===this tavrik version:%s===\n", kVersion);
     identifyBoard();
     chooseDisplayMode();
@@ -160,5 +161,5 @@ void startUp() {
     std::string hotkeys = config->GetConfig(kHotkeyMapIndex);
     createHotKey(hotkeys, false);
     openControlSocket();
-    startThreads();
+    startThreads(events.forCommands);
 }

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "app/inputevent.h"
+
 /// The start-up sequence, in its one fixed order: board, display mode, user list, addresses,
 /// settings, wall, hotkeys, sockets, threads. Nothing is retried except the multicast join; no
-/// failure stops it. Main thread, once.
-void startUp();
+/// failure stops it. The threads work on the slices of `events`, which outlives them. Main thread,
+/// once.
+void startUp(inputevent_& events);
 
-/// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main
-/// thread, before any other thread exists.
+/// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main thread,
+/// before any other thread exists.
 void openControlSocket();
 
 /// The version that start-up prints.

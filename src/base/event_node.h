@@ -3,8 +3,6 @@
 #include <cstdint>
 #include <optional>
 
-#include "base/lights.h"
-
 /// The kernel's event nodes: open, read a record, write a record, lock lights, axis range.
 ///
 /// A record has 16 bytes on FIFOs, sockets and for a 32-bit process; a genuine evdev node under a

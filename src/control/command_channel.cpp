@@ -6,12 +6,16 @@
 #include <utility>
 
 #include "base/clock.h"
-#include "base/singleton.h"
 #include "base/state.h"
 #include "control/hotkey_table.h"
+#include "control/mouse_to.h"
 #include "net/dotted_text.h"
 #include "net/udp_socket.h"
-#include "remote/select_input.h"
+#include "remote/current_screen.h"
+#include "remote/handover.h"
+#include "remote/reports.h"
+#include "remote/selection.h"
+#include "remote/send.h"
 #include "remote/wall_map.h"
 
 namespace {
@@ -68,23 +72,23 @@ void CommandChannel::handle(const std::string& text) {
 void CommandChannel::osdQuit(const std::string& /*text*/) {
     std::puts("OSD QUIT");
     clear_flag = 1;
-    osdFlag = 0;
+    console_.modes.osdFlag = 0;
 }
 
 void CommandChannel::osdStart(const std::string& /*text*/) {
     std::puts("osdSet OSDSTART");
-    events_.releaseKey();
-    osdFlag = 1;
+    console_.modes.osdFlag = 1;
+    releaseKey();
 }
 
 void CommandChannel::previewQuit(const std::string& /*text*/) {
     std::puts("preview quit");
-    events_.previewMode = 0;
+    console_.modes.previewMode = 0;
 }
 
 void CommandChannel::kvmQuit(const std::string& /*text*/) {
     std::puts("kvm quit");
-    events_.kvmMode = 0;
+    console_.modes.kvmMode = 0;
 }
 
 void CommandChannel::relation(const std::string& text) {
@@ -95,13 +99,7 @@ void CommandChannel::relation(const std::string& text) {
     lastRelation_ = text;
     if (text == "relation&0,0,0") {
         std::puts("stop kvm");
-        const BoxTarget before = currentTarget();
-        {
-            const std::lock_guard hold(boxGuard);
-            curIp.set(AddressText{AddressText::kNone});
-            curName.set(AddressText{AddressText::kNone});
-        }
-        letGoOfLostBox(events_, before);
+        stopControl();
         return;
     }
     osdIpMapSet(map, "out", nullptr);
@@ -111,7 +109,7 @@ void CommandChannel::relation(const std::string& text) {
         now.cellX = 0;
         now.cellY = 0;
     });
-    startFlag = osdFlag.load();
+    startFlag = console_.modes.osdFlag.load();
     getCurrentInfo(nullptr, localip.copy().c_str());
 }
 
@@ -126,8 +124,8 @@ void CommandChannel::details(const std::string& text) {
             now.pointerY = 0;
         });
     }
-    getTouchIp(events_, text);
-    events_.hotPlugFlag = 1;
+    getTouchIp(console_.touchInputIp, text);
+    console_.duties.hotPlugFlag = 1;
     osdIpMapSet(map, "in", &screenKey_);
     if (startFlag) {
         selectAfterRelation();
@@ -139,35 +137,32 @@ void CommandChannel::details(const std::string& text) {
 /// The screen that this console shows got new cells, unless they are meant for another output box.
 void CommandChannel::reselectScreen(const std::string& map) {
     const AddressText given = getOsdOutIp(map);
-    std::printf("curOutIp:%s,osdGetIp:%s\n", curOutIp.copy().c_str(), given.c_str());
+    std::printf("curOutIp:%s,osdGetIp:%s\n", boxInControl().curOutIp.c_str(), given.c_str());
     const auto [screen, place] = currentInfo.with([](const currentCtl& now) {
         return std::pair(now.screen.name, gridKey(now.outX, now.outY));
     });
-    if (!osdFlag && !given.view().starts_with(screen.view())) {
+    if (!console_.modes.osdFlag && !given.view().starts_with(screen.view())) {
         return;
     }
     screenKey_ = place;
-    events_.getCurrentInfo_(&screenKey_, true);
-    selectInputByCommand(events_);
-    const AddressText box = curIp.copy();
-    std::printf("kvmset outIp:%s detail get curIp=%s\n", curOutIp.copy().c_str(), box.c_str());
-    events_.hotPlugFlag = 1;
-    std::printf("get current ip-->%s\n", box.c_str());
-    sendPointer();
+    getCurrentInfo_(&screenKey_, true);
+    selectInputOfCell();
+    const BoxInControl box = boxInControl();
+    std::printf("kvmset outIp:%s detail get curIp=%s\n", box.curOutIp.c_str(), box.curIp.c_str());
+    console_.duties.hotPlugFlag = 1;
+    std::printf("get current ip-->%s\n", box.curIp.c_str());
+    tellPointer(console_.motion);
 }
 
 /// The first cells after a wall that arrived while the OSD was open.
 void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
-    curName.set({});
-    selectInputByCommand(events_);
-    std::printf("kvmset get curName=%s curIp=%s\n", curName.copy().c_str(), curIp.copy().c_str());
-    sendPointer();
+    forgetName();
+    selectInputOfCell();
+    const BoxInControl box = boxInControl();
+    std::printf("kvmset get curName=%s curIp=%s\n", box.curName.c_str(), box.curIp.c_str());
+    tellPointer(console_.motion);
     startFlag = 0;
-}
-
-void CommandChannel::sendPointer() {
-    events_.operationEvent(kMouseMove, curIp.copy().c_str(), nullptr, pointer_.data());
 }
 
 void CommandChannel::hotkey(const std::string& text) {
@@ -179,15 +174,15 @@ void CommandChannel::hotkey(const std::string& text) {
 
 void CommandChannel::pause(const std::string& /*text*/) {
     std::puts("---osd pause---");
-    events_.touchPaused = 1;
-    events_.sendRelease();
+    console_.modes.touchPaused = 1;
+    sendRelease(console_.motion);
 }
 
-void CommandChannel::resume(const std::string& /*text*/) { events_.touchPaused = 0; }
+void CommandChannel::resume(const std::string& /*text*/) { console_.modes.touchPaused = 0; }
 
 void CommandChannel::mouseTo(const std::string& text) {
     parseMouseTo(text, mouseX_, mouseY_);
-    if (events_.MouseTo(mouseX_, mouseY_) == 0) {
+    if (MouseTo(console_, mouseX_, mouseY_) == 0) {
         std::puts("mouse to error");
     }
 }
@@ -199,8 +194,8 @@ void CommandChannel::status(const std::string& text) {
     const AddressText local = localip.copy();
     std::array<char, kStatusLength> answer{};
     std::snprintf(answer.data(), answer.size(), "[ack]\n[controlled]=%s\nusb_link_device=%u%u%u",
-                  local.c_str(), events_.mouseDevices.count.load(), events_.keyDevices.count.load(),
-                  events_.touchDevices.count.load());
+                  local.c_str(), counts_.mice.load(), counts_.keyboards.load(),
+                  counts_.panels.load());
     std::array<char, AddressText::kSize> asked{};
     std::array<char, AddressText::kSize> address{};
     int port = 0;
@@ -223,7 +218,7 @@ AddressText getOsdOutIp(const std::string& src) {
     return AddressText{std::string_view(src).substr(0, src.find('#'))};
 }
 
-int getTouchIp(inputevent_& events, const std::string& text) {
+int getTouchIp(Guarded<AddressText>& touchInputIp, const std::string& text) {
     constexpr std::string_view kFirstCell = "0,0,";
     const std::string_view map = std::string_view(text).substr(text.find('&') + 1);
     const std::size_t hash = map.find('#');
@@ -240,19 +235,19 @@ int getTouchIp(inputevent_& events, const std::string& text) {
     }
     if (text.size() > kSingleEntryLength) {
         std::puts("not signal ");
-        events.touchInputIp.set(AddressText{AddressText::kNone});
+        touchInputIp.set(AddressText{AddressText::kNone});
         return 0;
     }
     const std::string_view rest = cells.substr(kFirstCell.size());
     const AddressText touch{rest.substr(0, rest.find('#'))};
-    events.touchInputIp.set(touch);
+    touchInputIp.set(touch);
     std::printf("get main touchIp=%s\n", touch.c_str());
     return 1;
 }
 
-void* kvmSet(void* /*unused*/) {
-    const auto events = Singleton<inputevent_>::instance();
-    CommandChannel channel(*events);
+void* kvmSet(void* slices) {
+    const auto& [console, counts] = *static_cast<const CommandSlices*>(slices);
+    CommandChannel channel(console, counts);
     std::array<char, kLargestCommand> buffer{};
     UDPSocket* socket = KvmSetSocket;
     for (;;) {

@@ -3,18 +3,27 @@
 #include <cstdint>
 #include <string>
 
-#include "base/inputevent.h"
-#include "base/wall_records.h"
+#include "base/address_text.h"
+#include "base/guarded.h"
+#include "control/device_counts.h"
+#include "remote/console_state.h"
 
 /// The orders of the OSD process and of the management side: one text command a datagram.
 
-/// Thread body: receives on KvmSetSocket and carries out. Never returns.
-void* kvmSet(void* unused);
+/// What the command thread works on; it outlives the thread.
+struct CommandSlices {
+    ConsoleState& console;
+    const DeviceCounts& counts;
+};
+
+/// Thread body, on CommandSlices: receives on KvmSetSocket and carries out. Never returns.
+void* kvmSet(void* slices);
 
 /// What the channel remembers between commands.
 class CommandChannel {
  public:
-    explicit CommandChannel(inputevent_& events) : events_(events) {}
+    CommandChannel(ConsoleState& console, const DeviceCounts& counts)
+        : console_(console), counts_(counts) {}
 
     /// Carries out one command. An unknown or malformed one gets one line and changes nothing.
     void handle(const std::string& text);
@@ -43,21 +52,17 @@ class CommandChannel {
 
     void reselectScreen(const std::string& map);
     void selectAfterRelation();
-    void sendPointer();
 
-    inputevent_& events_;
+    ConsoleState& console_;
+    const DeviceCounts& counts_;
     std::string lastRelation_;
     unsigned screenKey_ = 0;
     int mouseX_ = 0;
     int mouseY_ = 0;
-    inputevent_::PointerReport pointer_{};
 };
 
 /// The characters of `src` before its first "#", as far as an address holds them; prints `src`.
 AddressText getOsdOutIp(const std::string& src);
 
 /// Takes the touch input address from a whole "details" text. Returns 1 when it found one, else 0.
-int getTouchIp(inputevent_& events, const std::string& text);
-
-/// Reads "MTO:%d,%d"; numbers that do not parse leave `x` and `y` as they are. Pure.
-void parseMouseTo(const std::string& text, int& x, int& y);
+int getTouchIp(Guarded<AddressText>& touchInputIp, const std::string& text);

@@ -68,8 +68,8 @@ std::uint32_t createHotKey(std::string& text, bool fromOsd) {
     return 1;
 }
 
-HotkeyMatch findHotkey(std::string_view groupKey) {
-    return hotkeyinfo_.with([groupKey](const HotkeyTable& table) {
+HotkeyMatch findHotkey(const Guarded<HotkeyTable>& hotkeys, std::string_view groupKey) {
+    return hotkeys.with([groupKey](const HotkeyTable& table) {
         for (std::size_t i = 0; i < table.count; ++i) {
             if (groupKey.starts_with(combinationOf(table.entries[i]))) {
                 return HotkeyMatch{true, i};

@@ -45,4 +45,4 @@ struct HotkeyMatch {
 
 /// The first entry whose part before ":" begins `groupKey` (so F1's entry also matches F10 to F12).
 /// Any thread.
-HotkeyMatch findHotkey(std::string_view groupKey);
+HotkeyMatch findHotkey(const Guarded<HotkeyTable>& hotkeys, std::string_view groupKey);

@@ -1,8 +1,8 @@
+#include "control/mouse_to.h"
+
 #include <algorithm>
 #include <charconv>
 #include <string_view>
-
-#include "control/command_channel.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
+#include "input/devices.h"
+
 #include <linux/input-event-codes.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdio>
-
-#include "base/inputevent.h"
 
 /// Opening and closing the nodes of the three lists.
 
@@ -22,7 +22,7 @@ NodePath pathOf(const InputDeviceList& list, std::size_t slot) {
 
 /// Opens the slot's node; what the slot still held open is closed first.
 void openSlot(InputDeviceList& list, std::size_t slot) {
-    if (list.fds[slot] > 0) {
+    if (list.fds[slot] >= 0) {
         close(list.fds[slot]);
     }
     const EventNode node = openEventNode(pathOf(list, slot).data());
@@ -31,19 +31,19 @@ void openSlot(InputDeviceList& list, std::size_t slot) {
 }
 
 /// A panel that no name recognised: its full scale is what the kernel says of its axes.
-void learnTouchRange(inputevent_& events, std::int32_t fd) {
-    events.touchMaxX = readAxisMaximum(fd, ABS_X).value_or(0);
-    events.touchMaxY = readAxisMaximum(fd, ABS_Y).value_or(0);
+void learnTouchRange(TouchPanel& panel, std::int32_t fd) {
+    panel.touchMaxX = readAxisMaximum(fd, ABS_X).value_or(0);
+    panel.touchMaxY = readAxisMaximum(fd, ABS_Y).value_or(0);
 }
 
-void closeList(inputevent_& events, InputDeviceList& list) {
+void closeList(Lights& lights, InputDeviceList& list) {
     for (std::size_t i = 0; i < list.count; ++i) {
         const std::int32_t fd = list.fds[i];
-        events.ledKeyFd.with([fd](std::int32_t& known) { known = known == fd ? 0 : known; });
-        if (fd > 0) {
+        lights.ledKeyFd.with([fd](std::int32_t& known) { known = known == fd ? -1 : known; });
+        if (fd >= 0) {
             close(fd);
         }
-        list.fds[i] = 0;
+        list.fds[i] = -1;
         list.names[i].fill('\0');
     }
     list.count = 0;
@@ -51,13 +51,16 @@ void closeList(inputevent_& events, InputDeviceList& list) {
 
 }  // namespace
 
-int inputevent_::openInputFd() {
+int openInputFd(Devices& devices) {
+    InputDeviceList& keyDevices = devices.keyDevices;
+    InputDeviceList& mouseDevices = devices.mouseDevices;
+    InputDeviceList& touchDevices = devices.touchDevices;
     std::printf("mouseEvent-->%u keyevent-->%u touchevent-->%u\n", mouseDevices.count.load(),
                 keyDevices.count.load(), touchDevices.count.load());
     for (std::size_t i = 0; i < keyDevices.count; ++i) {
         openSlot(keyDevices, i);
         // The line goes by the mouse of the same slot, not by the keyboard just opened.
-        if (mouseDevices.fds[i] > 0) {
+        if (mouseDevices.fds[i] >= 0) {
             std::printf("open  key input %s  ok\n", keyDevices.name(i));
         } else {
             std::printf("not open key input %s\n", keyDevices.name(i));
@@ -76,8 +79,8 @@ int inputevent_::openInputFd() {
         openSlot(touchDevices, i);
         if (touchDevices.fds[i] >= 0) {
             std::printf("open  touch input %s  ok\n", touchDevices.name(i));
-            if (!touchNamed) {
-                learnTouchRange(*this, touchDevices.fds[i]);
+            if (!devices.panel.touchNamed) {
+                learnTouchRange(devices.panel, touchDevices.fds[i]);
             }
         } else {
             std::printf("not open touch input %s\n", touchDevices.name(i));
@@ -86,20 +89,20 @@ int inputevent_::openInputFd() {
     return 1;
 }
 
-int inputevent_::closeInputFd(bool mouse, bool key, bool touch) {
-    FD_ZERO(&readSet);
+int closeInputFd(Devices& devices, Lights& lights, bool mouse, bool key, bool touch) {
+    FD_ZERO(&devices.readSet);
     if (key) {
-        closeList(*this, keyDevices);
+        closeList(lights, devices.keyDevices);
         std::puts("close all keyboard input device");
     }
     if (mouse) {
-        closeList(*this, mouseDevices);
+        closeList(lights, devices.mouseDevices);
         std::puts("close all mouse input device");
     }
     if (touch) {
-        closeList(*this, touchDevices);
+        closeList(lights, devices.touchDevices);
         std::puts("close all touch input device");
     }
-    FD_ZERO(&readSet);
+    FD_ZERO(&devices.readSet);
     return 1;
 }

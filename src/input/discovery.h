@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/inputevent.h"
+#include "input/devices.h"
 #include "input/listing.h"
 
 /// Sorts the listed devices into the three lists. Supervisor thread, while no input thread runs.
@@ -8,8 +8,8 @@
 /// Zeroes the three counts, then looks for a panel by name and sets the touch fields.
 /// `restart` selects the lines and coordinates of a restart. `touchByName` is the state kept
 /// between passes.
-void recognisePanel(inputevent_& events, const DeviceListing& listing, bool restart,
+void recognisePanel(Devices& devices, const DeviceListing& listing, bool restart,
                     bool& touchByName);
 
 /// Fills the mouse, keyboard and, when no panel was found, touch lists from the Handlers lines.
-void classifyLines(inputevent_& events, const DeviceListing& listing, bool touchByName);
+void classifyLines(Devices& devices, const DeviceListing& listing, bool touchByName);

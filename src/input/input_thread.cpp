@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <mutex>
 
-#include "base/inputevent.h"
-#include "base/singleton.h"
 #include "base/thread.h"
 #include "input/cancel_window.h"
+#include "input/listener.h"
+#include "input/probe.h"
 
 namespace {
 
@@ -45,12 +45,12 @@ class Run {
 
 }  // namespace
 
-void startInputThread() {
+void startInputThread(InputSlices& slices) {
     bool started = false;
     {
         const std::lock_guard hold(life().guard);
         int problem = 0;
-        life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, nullptr, &problem);
+        life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, &slices, &problem);
         started = life().thread != 0 && problem == 0;
         life().running = started;
         life().everStarted = started;
@@ -81,14 +81,14 @@ void reportInputThreadCancel() {
     }
 }
 
-void* inputCtrl(void* /*unused*/) {
+void* inputCtrl(void* slices) {
     forbidCancel();
     const Run run;
-    const auto events = Singleton<inputevent_>::instance();
-    events->openInputFd();
+    auto& [devices, console] = *static_cast<InputSlices*>(slices);
+    openInputFd(devices);
     std::puts("open event ok");
-    events->check_input_event();
-    if (events->listenInputFd() == 0) {
+    check_input_event(devices, console.lights);
+    if (listenInputFd(devices, console) == 0) {
         std::puts("hot input event");
     }
     return nullptr;

@@ -1,14 +1,11 @@
+#include "input/key_report.h"
+
 #include <linux/input-event-codes.h>
 
 #include <cstdio>
 #include <cstring>
 
-#include "base/inputevent.h"
 #include "input/key_table.h"
-#include "remote/wire.h"
-
-/// Key presses and releases into the 11-byte keyboard report, and a report back into a hotkey text.
-/// The report carries one key at a time: a second press replaces the first, any release empties it.
 
 namespace {
 
@@ -37,7 +34,7 @@ void append(char* text, std::string_view part) {
 
 }  // namespace
 
-int inputevent_::OnKeyDown(int code, std::uint8_t* report, char, char, char, char* name) {
+int OnKeyDown(Lights& lights, int code, std::uint8_t* report, char, char, char, char* name) {
     wire::putKeyboardHeader(report);
     const KeyRow* key = findKey(code);
     if (key == nullptr) {
@@ -50,36 +47,44 @@ int inputevent_::OnKeyDown(int code, std::uint8_t* report, char, char, char, cha
         report[wire::kFirstKeyAt] = key->value;
     }
     if (code == KEY_CAPSLOCK) {
-        toggle(capsLockOn);
+        toggle(lights.capsLockOn);
     } else if (code == KEY_NUMLOCK) {
-        toggle(numLockOn);
+        toggle(lights.numLockOn);
     }
     std::memcpy(name, key->name.data(), key->name.size());
     name[key->name.size()] = '\0';
     return kReportLength;
 }
 
-int inputevent_::OnKeyUp(int code, std::uint8_t* report, char) {
+KeyUp takeKeyUp(int code, std::uint8_t* report) {
     wire::putKeyboardHeader(report);
     const KeyRow* key = code <= kLastReleasedCode ? findKey(code) : nullptr;
     if (key == nullptr || key->release == KeyRelease::kDropped) {
-        return 0;
+        return {};
     }
     if (key->release == KeyRelease::kSent) {
         report[wire::kFirstKeyAt] = 0;
-        return kReportLength;
+        return {kReportLength, nullptr};
     }
     for (const ModifierRelease& row : kModifierReleases) {
         if (row.code == code) {
             report[wire::kModifiersAt] =
                 static_cast<std::uint8_t>(report[wire::kModifiersAt] & ~row.cleared);
-            std::puts(row.line);
+            return {kReportLength, row.line};
         }
     }
-    return kReportLength;
+    return {kReportLength, nullptr};
 }
 
-int inputevent_::GetChar(const std::uint8_t* report, char* text) {
+int OnKeyUp(int code, std::uint8_t* report, char) {
+    const KeyUp up = takeKeyUp(code, report);
+    if (up.line != nullptr) {
+        std::puts(up.line);
+    }
+    return up.length;
+}
+
+int GetChar(const std::uint8_t* report, char* text) {
     append(text, hotkeyPrefixOf(report[wire::kModifiersAt]));
     append(text, hotkeyNameOf(report[wire::kFirstKeyAt]));
     return 1;

@@ -2,10 +2,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "input/cancel_window.h"
-#include "input/key_sending.h"
-#include "remote/select_input.h"
+#include "input/console_sink.h"
+#include "input/key_rules.h"
+#include "input/mouse_rules.h"
+#include "input/touch_rules.h"
+#include "remote/handover.h"
+#include "remote/lights.h"
+#include "remote/selection.h"
 
 namespace {
 
@@ -26,19 +32,19 @@ int addToSet(fd_set& set, const InputDeviceList& list, int highest, bool keyboar
     return highest;
 }
 
-int buildReadSet(inputevent_& events) {
-    FD_ZERO(&events.readSet);
-    int highest = addToSet(events.readSet, events.keyDevices, 0, true);
-    highest = addToSet(events.readSet, events.mouseDevices, highest, false);
-    return addToSet(events.readSet, events.touchDevices, highest, false);
+int buildReadSet(Devices& devices) {
+    FD_ZERO(&devices.readSet);
+    int highest = addToSet(devices.readSet, devices.keyDevices, 0, true);
+    highest = addToSet(devices.readSet, devices.mouseDevices, highest, false);
+    return addToSet(devices.readSet, devices.touchDevices, highest, false);
 }
 
 /// With no keyboard known, the lights are those of the first one that is open.
-void adoptLedKeyboard(inputevent_& events) {
-    for (std::size_t i = 0; i < events.keyDevices.count; ++i) {
-        const std::int32_t fd = events.keyDevices.fds[i];
-        if (fd > 0) {
-            events.ledKeyFd.with([fd](std::int32_t& known) { known = known <= 0 ? fd : known; });
+void adoptLedKeyboard(const InputDeviceList& keyboards, Lights& lights) {
+    for (std::size_t i = 0; i < keyboards.count; ++i) {
+        const std::int32_t fd = keyboards.fds[i];
+        if (fd >= 0) {
+            lights.ledKeyFd.with([fd](std::int32_t& known) { known = known < 0 ? fd : known; });
             return;
         }
     }
@@ -49,83 +55,181 @@ void printSelection() {
     std::printf("get(0x%x,0x%x) output(%u,%u) location:%u,%u-->%s   input locationt:%u,%u--->%s\n",
                 gridKey(now.outX, now.outY), gridKey(now.cellX, now.cellY), now.screen.columns,
                 now.screen.rows, now.outX, now.outY, now.screen.name.c_str(), now.cellX, now.cellY,
-                curIp.copy().c_str());
+                boxInControl().curIp.c_str());
 }
 
-void setTouchInput(inputevent_& events) {
+/// The panel stands for the one box of a screen that is not split.
+void setTouchInput(Guarded<AddressText>& touchInputIp) {
     const bool split = currentInfo.with([](const currentCtl& current) {
         return current.screen.columns >= 2 || current.screen.rows > 1;
     });
-    events.touchInputIp.set(split ? AddressText{AddressText::kNone} : curIp.copy());
+    touchInputIp.set(split ? AddressText{AddressText::kNone} : boxInControl().curIp);
 }
 
-void begin(ListenerState& state) {
-    inputevent_& events = state.events;
+/// One run: what it remembers is made anew at every start.
+class Listener {
+ public:
+    Listener(Devices& devices, ConsoleState& console)
+        : devices_(devices), state_{console,           currentInfo,      hotkeyinfo_,
+                                    qtFlag != 0,       ctrl_3_flag != 0, alt_3_flag != 0,
+                                    shift_3_flag != 0, boxInControl(),   {}} {
+        FD_ZERO(&ready_);
+    }
+
+    void begin();
+    bool waitAndServe();
+
+ private:
+    bool isReady(std::int32_t fd) const;
+    bool serveEach(const InputDeviceList& list, bool (Listener::*serve)(std::size_t));
+    bool serveMouse(std::size_t slot);
+    bool serveKeyboards();
+    std::optional<std::size_t> serveKeyboard(std::size_t slot);
+    bool servePanel(std::size_t slot);
+
+    Devices& devices_;
+    RuleState state_;
+    ConsoleSink sink_{state_};
+    KeyRules keys_{state_, sink_};
+    MouseRules mouse_{state_, sink_};
+    TouchRules touch_{state_, sink_, devices_.panel};
+    fd_set ready_;  ///< the descriptors that the last wait found readable
+};
+
+void Listener::begin() {
     std::puts("======>start listenInput<======");
-    events.listenerAlive = 1;
-    buildReadSet(events);
-    adoptLedKeyboard(events);
+    devices_.listenerAlive = 1;
+    buildReadSet(devices_);
+    adoptLedKeyboard(devices_.keyDevices, state_.console.lights);
     selectInputOfCell();
     printSelection();
-    setTouchInput(events);
-    if (events.touchDevices.count > 0 && (events.touchMaxX <= 0 || events.touchMaxY <= 0)) {
+    setTouchInput(state_.console.touchInputIp);
+    if (devices_.touchDevices.count > 0 &&
+        (devices_.panel.touchMaxX <= 0 || devices_.panel.touchMaxY <= 0)) {
         std::puts("touch panel of unknown range, its positions are ignored");
     }
-    if (resyncIsDue(events)) {
+    if (resyncIsDue(state_.console, boxInControl())) {
         std::puts("out set sync");
-        resync(events);
-        state.clearReport();
+        resync(state_.console);
+        state_.keys.clear();
     }
 }
 
-bool serveAll(ListenerState& state) {
-    return serveMice(state) && serveKeyboards(state) && serveTouch(state);
+bool Listener::waitAndServe() {
+    const int highest = buildReadSet(devices_);
+    ready_ = devices_.readSet;
+    int found = 0;
+    {
+        const CancelWindow window;
+        found = select(highest, &ready_, nullptr, nullptr, nullptr);
+    }
+    if (found < 1) {
+        std::printf("select error--->%d\n", found);
+        return false;
+    }
+    return serveEach(devices_.mouseDevices, &Listener::serveMouse) && serveKeyboards() &&
+           serveEach(devices_.touchDevices, &Listener::servePanel);
+}
+
+/// True when the last wait found `fd` readable and it still is, so that a read cannot wait even if
+/// two entries share a node; false for a node that is not open.
+bool Listener::isReady(std::int32_t fd) const {
+    return inRange(fd) && FD_ISSET(fd, &ready_) && hasInput(fd);
+}
+
+/// One pass over the ready devices of a list. False when one could not be served.
+bool Listener::serveEach(const InputDeviceList& list, bool (Listener::*serve)(std::size_t)) {
+    for (std::size_t i = 0; i < list.count; ++i) {
+        if (isReady(list.fds[i]) && !(this->*serve)(i)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// False when the read failed and the listener has to end.
+bool Listener::serveMouse(std::size_t slot) {
+    state_.box = boxInControl();
+    const bool forBox = state_.modes().areOff() && !state_.modes().touchPaused;
+    if (forBox && resyncIsDue(state_.console, state_.box)) {
+        sink_.line("osd change signal need locks sync\n");
+        sink_.command({Order::kResync});
+        state_.keys.clear();
+    }
+    InputRecord record;
+    const int length = readRecord(devices_.mouseDevices.node(slot), record);
+    if (length != kRecordSize) {
+        if (!forBox && length > 0) {
+            return true;
+        }
+        std::printf("read mouse input error--->%zu len %d\n", slot, length);
+        return false;
+    }
+    if (forBox) {
+        mouse_.serve(record);
+    } else {
+        mouse_.serveForOsd(record);
+    }
+    return true;
+}
+
+/// A key combination sends the pass to a slot that its hotkey look-up decides, perhaps back to one
+/// already served; such a keyboard is read again only if it still has something to give.
+bool Listener::serveKeyboards() {
+    const InputDeviceList& keyboards = devices_.keyDevices;
+    std::size_t slot = 0;
+    while (slot < keyboards.count) {
+        if (!isReady(keyboards.fds[slot])) {
+            ++slot;
+            continue;
+        }
+        const auto next = serveKeyboard(slot);
+        if (!next) {
+            return false;
+        }
+        slot = *next;
+    }
+    return true;
+}
+
+/// Nothing when the read failed, otherwise the slot at which the pass goes on.
+std::optional<std::size_t> Listener::serveKeyboard(std::size_t slot) {
+    const InputDeviceList& keyboards = devices_.keyDevices;
+    KeyEvent event{{}, slot, keyboards.name(slot), keyboards.fds[slot], {}};
+    const int length = readRecord(keyboards.node(slot), event.record);
+    if (length != kRecordSize) {
+        std::printf("read key error or in osd pause %zu len %d\n", slot, length);
+        return std::nullopt;
+    }
+    event.now = timeOfDay();
+    state_.box = boxInControl();
+    return keys_.serve(event).value_or(slot + 1);
+}
+
+/// False when the read failed, or counts as failed because touch is paused.
+bool Listener::servePanel(std::size_t slot) {
+    InputRecord record;
+    const int length = readRecord(devices_.touchDevices.node(slot), record);
+    if (!state_.modes().areOff() && length > 0) {
+        return true;
+    }
+    if (length != kRecordSize || state_.modes().touchPaused) {
+        std::puts("read touch error");
+        return false;
+    }
+    state_.box = boxInControl();
+    touch_.serve(record);
+    return true;
 }
 
 }  // namespace
 
-void letGoOfHeldInput(inputevent_& events) {
-    if (events.keysHeld.exchange(0) > 0) {
-        sendKeyReport(events.keyReleaseReport);
+unsigned listenInputFd(Devices& devices, ConsoleState& console) {
+    Listener listener(devices, console);
+    listener.begin();
+    while (listener.waitAndServe()) {
     }
-    if (events.buttonsHeld.exchange(0) != 0) {
-        wire::Absolute released{};
-        events.operationEvent(kMouseMove, curIp.copy().c_str(), nullptr, released.data());
-    }
-}
-
-bool modesAreOff(const inputevent_& events) {
-    return !osdFlag && !events.previewMode && !events.kvmMode;
-}
-
-bool resyncIsDue(const inputevent_& events) {
-    return events.hotPlugFlag && modesAreOff(events) && !is_user_ip;
-}
-
-void resync(inputevent_& events) {
-    events.syncLed(true);
-    queryBox(events);
-    events.hotPlugFlag = 0;
-}
-
-unsigned inputevent_::listenInputFd() {
-    ListenerState state(*this);
-    begin(state);
-    for (;;) {
-        const int highest = buildReadSet(*this);
-        state.ready = readSet;
-        int found = 0;
-        {
-            const CancelWindow window;
-            found = select(highest, &state.ready, nullptr, nullptr, nullptr);
-        }
-        if (found < 1) {
-            std::printf("select error--->%d\n", found);
-        }
-        if (found < 1 || !serveAll(state)) {
-            letGoOfHeldInput(*this);
-            listenerAlive = 0;
-            return 0;
-        }
-    }
+    letGoOfEverything();
+    devices.listenerAlive = 0;
+    return 0;
 }

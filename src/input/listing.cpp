@@ -1,5 +1,6 @@
 #include "input/listing.h"
 
+#include <cstdio>
 #include <sstream>
 
 #include "base/file_start.h"
@@ -12,13 +13,32 @@ constexpr std::size_t kPanelNodeLength = 6;
 /// Far more than a listing has; what lies beyond is not even counted.
 constexpr std::size_t kMostRead = 65536;
 
+void printIlitek(const char* node) { std::printf("get new touch event-->%s\n", node); }
+void printV3000(const char* node) {
+    std::printf("get new V3000 systerm old touch event-->%s\n", node);
+}
+void printV3000Restart(const char* node) {
+    std::printf("get new systerm old touch event-->%s\n", node);
+}
+void printV5000(const char* node) {
+    std::printf("get new V5000 systerm old touch event-->%s\n", node);
+}
+void printMelfas(const char* node) { std::printf("get LG systerm old touch event-->%s\n", node); }
+void printSiw(const char* node) { std::printf("get Siw systerm  touch event-->%s\n", node); }
+
 constexpr std::array<PanelRow, 5> kPanels{{
-    // kind, name, type, first pass x and y, restart x and y, counted, by name
-    {PanelKind::kIlitekTp, "ILITEK ILITEK-TP", 0, 16384, 16384, 16384, 16384, true, true},
-    {PanelKind::kV3000, "ILITEK Multi-Touch-V3000", 1, 16384, 9600, 16384, 9600, false, false},
-    {PanelKind::kV5000, "ILITEK Multi-Touch-V5000", 1, 16384, 9600, 16384, 9600, true, false},
-    {PanelKind::kMelfas, "Melfas LGDisplay", 2, 4080, 4080, 4080, 4080, true, true},
-    {PanelKind::kSiliconworks, "Siliconworks", 3, 32627, 32475, 32446, 32173, true, true},
+    // name, type, first pass x and y, restart x and y, offsets, counted, by name, ILITEK-TP,
+    // doubled
+    {"ILITEK ILITEK-TP", 0, 16384, 16384, 16384, 16384, 0, 0, true, true, true, false, printIlitek,
+     printIlitek},
+    {"ILITEK Multi-Touch-V3000", 1, 16384, 9600, 16384, 9600, 0, 0, false, false, false, false,
+     printV3000, printV3000Restart},
+    {"ILITEK Multi-Touch-V5000", 1, 16384, 9600, 16384, 9600, 0, 0, true, false, false, true,
+     printV5000, printV5000},
+    {"Melfas LGDisplay", 2, 4080, 4080, 4080, 4080, 0, 0, true, true, false, false, printMelfas,
+     printMelfas},
+    {"Siliconworks", 3, 32627, 32475, 32446, 32173, 182, 299, true, true, false, false, printSiw,
+     printSiw},
 }};
 
 constexpr std::size_t kNowhere = std::string_view::npos;
@@ -69,10 +89,10 @@ std::optional<PanelFound> findPanel(std::string_view listing) {
             continue;
         }
         PanelFound found{&row, {panelNode(listing, node)}, false};
-        if (row.kind == PanelKind::kIlitekTp) {
+        if (row.setsIlitek) {
             found.firmwareV06 = listing.find("V06.00.00.00", node) != kNowhere;
         }
-        if (row.kind == PanelKind::kV5000) {
+        if (row.doubled) {
             const std::size_t second = findNode(listing, quotedName, node);
             if (second != kNowhere) {
                 found.nodes.push_back(panelNode(listing, second));

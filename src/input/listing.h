@@ -27,17 +27,19 @@ DeviceListing takeListing(const std::string& text);
 /// Reads /proc/bus/input/devices; a file that cannot be read counts as empty. Supervisor thread.
 DeviceListing loadDeviceListing();
 
-enum class PanelKind : std::uint8_t { kIlitekTp, kV3000, kV5000, kMelfas, kSiliconworks };
-
-/// A touch panel recognised by the name that it gives itself.
+/// A touch panel recognised by the name that it gives itself, with all that is special about it.
 struct PanelRow {
-    PanelKind kind;
     std::string_view name;
     std::int32_t type;
     std::int32_t maxX, maxY;                ///< full-scale coordinates when found at the first pass
     std::int32_t restartMaxX, restartMaxY;  ///< and when found at a restart
+    std::int32_t offsetX, offsetY;          ///< where the panel's own scale begins
     bool counted;                           ///< its nodes count as touch devices
     bool byName;                            ///< no generic touch device is looked for afterwards
+    bool setsIlitek;                        ///< it is an "ILITEK-TP", whose firmware is told apart
+    bool doubled;                           ///< a second node of the same name belongs to it
+    void (*print)(const char* node);        ///< the line of the first pass
+    void (*printRestart)(const char* node);
 };
 
 struct PanelFound {

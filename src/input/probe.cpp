@@ -1,3 +1,5 @@
+#include "input/probe.h"
+
 #include <linux/input-event-codes.h>
 #include <sys/select.h>
 
@@ -7,7 +9,6 @@
 #include <cstdio>
 #include <vector>
 
-#include "base/inputevent.h"
 #include "input/cancel_window.h"
 
 /// Telling real devices from nodes that accept no events: write a synthetic event, wait for its
@@ -24,7 +25,7 @@ constexpr milliseconds kLongest{400};
 
 using DeviceName = std::array<char, InputDeviceList::kNameSize>;
 
-bool usable(std::int32_t fd) { return fd > 0 && fd < FD_SETSIZE; }
+bool usable(std::int32_t fd) { return fd >= 0 && fd < FD_SETSIZE; }
 
 /// The nodes of one kind while they are listened to.
 struct Probe {
@@ -63,7 +64,7 @@ void readReady(Probe& probe) {
 
 /// Listens to all nodes together until they have been silent for 80 ms, so that the probe takes as
 /// long for eight devices as for one.
-void listen(Probe& probe) {
+void collectEchoes(Probe& probe) {
     const Clock::time_point end = Clock::now() + kLongest;
     for (int highest = watch(probe); highest > 0 && Clock::now() < end; highest = watch(probe)) {
         timeval wait{0, std::chrono::microseconds(kEcho).count()};
@@ -94,13 +95,13 @@ void writeKey(const EventNode& node) {
 /// Probes every node of a list with `writeEvents`; `printLine` gets the name of each. Returns the
 /// names of those that answered.
 template <class WriteEvents, class PrintLine>
-std::vector<DeviceName> answering(inputevent_& events, const InputDeviceList& list,
+std::vector<DeviceName> answering(fd_set& readSet, const InputDeviceList& list,
                                   WriteEvents writeEvents, PrintLine printLine) {
     for (std::size_t i = 0; i < list.count; ++i) {
         writeEvents(list.node(i));
     }
-    Probe probe{list, events.readSet, {}, {}};
-    listen(probe);
+    Probe probe{list, readSet, {}, {}};
+    collectEchoes(probe);
     std::vector<DeviceName> real;
     for (std::size_t i = 0; i < list.count; ++i) {
         if (probe.answered[i]) {
@@ -123,23 +124,26 @@ void keep(InputDeviceList& list, const std::vector<DeviceName>& real, PrintLine 
 
 }  // namespace
 
-int inputevent_::check_input_event() {
-    const auto mice = answering(*this, mouseDevices, writeMotion, [](const char* name) {
+int check_input_event(Devices& devices, Lights& lights) {
+    InputDeviceList& mouseDevices = devices.mouseDevices;
+    InputDeviceList& keyDevices = devices.keyDevices;
+    const auto mice = answering(devices.readSet, mouseDevices, writeMotion, [](const char* name) {
         std::printf("check mouse %s false\n", name);
     });
-    closeInputFd(true, false, false);
-    keep(mouseDevices, mice,
-         [this](std::size_t i) { std::printf("get real mouse event:%s\n", mouseDevices.name(i)); });
-    const auto keyboards = answering(*this, keyDevices, writeKey, [](const char* name) {
+    closeInputFd(devices, lights, true, false, false);
+    keep(mouseDevices, mice, [&mouseDevices](std::size_t i) {
+        std::printf("get real mouse event:%s\n", mouseDevices.name(i));
+    });
+    const auto keyboards = answering(devices.readSet, keyDevices, writeKey, [](const char* name) {
         std::printf("checkt mouse %s false\n", name);
     });
-    closeInputFd(false, true, false);
-    keep(keyDevices, keyboards, [this](std::size_t i) {
+    closeInputFd(devices, lights, false, true, false);
+    keep(keyDevices, keyboards, [&mouseDevices](std::size_t i) {
         // The line reports the mouse of the same slot, not the keyboard.
         std::printf("get real key event:%s\n", mouseDevices.name(i));
     });
     std::printf("get real mouse event %u, keyboard evnet %u\n", mouseDevices.count.load(),
                 keyDevices.count.load());
-    openInputFd();
+    openInputFd(devices);
     return 1;
 }

@@ -6,7 +6,7 @@
 #include "base/singleton.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
-#include "input/listener.h"
+#include "remote/handover.h"
 
 namespace {
 
@@ -14,12 +14,12 @@ constexpr std::int64_t kPollMicroseconds = 1'000'000;
 
 }  // namespace
 
-Supervisor::Supervisor()
-    : events_(Singleton<inputevent_>::instance()), config_(Singleton<SoftwareConfig>::instance()) {
+Supervisor::Supervisor(InputSlices& slices)
+    : slices_(slices), devices_(slices.devices), config_(Singleton<SoftwareConfig>::instance()) {
     clearActKeyEvent();
 }
 
-void Supervisor::clearActKeyEvent() { events_->actKeyEvent.fill('\0'); }
+void Supervisor::clearActKeyEvent() { devices_.actKeyEvent.fill('\0'); }
 
 void Supervisor::poll(const DeviceListing& listing) {
     if (listing.handlers.empty()) {
@@ -28,7 +28,7 @@ void Supervisor::poll(const DeviceListing& listing) {
     }
     if (firstPass_) {
         firstStart(listing);
-    } else if (listing.handlers != previousHandlers_ || events_->listenerAlive == 0) {
+    } else if (listing.handlers != previousHandlers_ || devices_.listenerAlive == 0) {
         restart(listing);
     }
     idle_ = false;
@@ -41,18 +41,18 @@ void Supervisor::handleNoDevices() {
     }
     if (!idle_) {
         stopInputThread();
-        letGoOfHeldInput(*events_);
+        letGoOfEverything();
         reportInputThreadCancel();
-        events_->closeInputFd(true, true, true);
+        closeInputFd(devices_, slices_.console.lights, true, true, true);
     }
     idle_ = true;
 }
 
 void Supervisor::firstStart(const DeviceListing& listing) {
-    recognisePanel(*events_, listing, false, touchByName_);
+    recognisePanel(devices_, listing, false, touchByName_);
     previousHandlers_ = listing.handlers;
-    classifyLines(*events_, listing, touchByName_);
-    startInputThread();
+    classifyLines(devices_, listing, touchByName_);
+    startInputThread(slices_);
     firstPass_ = false;
 }
 
@@ -60,24 +60,24 @@ void Supervisor::firstStart(const DeviceListing& listing) {
 /// close a descriptor that a later open receives. The lines keep their own order.
 void Supervisor::restart(const DeviceListing& listing) {
     stopInputThread();
-    letGoOfHeldInput(*events_);
+    letGoOfEverything();
     std::printf("------------hot event \n %s----------\n", listing.handlers.c_str());
     clearActKeyEvent();
-    events_->hotPlugFlag = 1;
-    events_->ledKeyFd.set(0);
-    config_->SetConfigChar(kActKeyEventIndex, events_->actKeyEvent.data());
+    slices_.console.duties.hotPlugFlag = 1;
+    slices_.console.lights.ledKeyFd.set(-1);
+    config_->SetConfigChar(kActKeyEventIndex, devices_.actKeyEvent.data());
     config_->SaveConfig();
-    events_->closeInputFd(true, true, true);
-    recognisePanel(*events_, listing, true, touchByName_);
+    closeInputFd(devices_, slices_.console.lights, true, true, true);
+    recognisePanel(devices_, listing, true, touchByName_);
     reportInputThreadCancel();
     reportInputThreadCancel();
     previousHandlers_ = listing.handlers;
-    classifyLines(*events_, listing, touchByName_);
-    startInputThread();
+    classifyLines(devices_, listing, touchByName_);
+    startInputThread(slices_);
 }
 
-void TimeCheckKeyEvent() {
-    Supervisor supervisor;
+void TimeCheckKeyEvent(InputSlices& slices) {
+    Supervisor supervisor(slices);
     for (;;) {
         supervisor.poll(loadDeviceListing());
         sleepMicroseconds(kPollMicroseconds);

@@ -3,15 +3,15 @@
 #include <memory>
 #include <string>
 
-#include "base/inputevent.h"
 #include "config/software_config.h"
+#include "input/input_thread.h"
 #include "input/listing.h"
 
 /// Watches the device listing and keeps one input thread running over the listed devices.
 /// Main thread only.
 class Supervisor {
  public:
-    Supervisor();
+    explicit Supervisor(InputSlices& slices);
 
     /// One look at the listing and what follows from it. Does not sleep.
     void poll(const DeviceListing& listing);
@@ -22,7 +22,8 @@ class Supervisor {
     void restart(const DeviceListing& listing);
     void clearActKeyEvent();
 
-    std::shared_ptr<inputevent_> events_;
+    InputSlices& slices_;
+    Devices& devices_;
     std::shared_ptr<SoftwareConfig> config_;
     std::string previousHandlers_;
     bool firstPass_ = true;     ///< until the first non-empty listing is handled
@@ -31,4 +32,4 @@ class Supervisor {
 };
 
 /// The supervision loop: polls once a second for the life of the process. Never returns.
-[[noreturn]] void TimeCheckKeyEvent();
+[[noreturn]] void TimeCheckKeyEvent(InputSlices& slices);

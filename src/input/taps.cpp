@@ -1,7 +1,5 @@
 #include "input/taps.h"
 
-#include <cstdio>
-
 namespace {
 
 constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
@@ -27,15 +25,15 @@ TapGap gapBetween(const TimeOfDay& last, const TimeOfDay& now) {
             static_cast<std::int32_t>(microseconds % 1000)};
 }
 
-unsigned TapCounter::press(TapTiming& timing, const TimeOfDay& now) {
+Tap TapCounter::press(TapTiming& timing, const TimeOfDay& now) {
+    Tap tap;
     bool quick = false;
     if (count_ != 0) {
-        const TapGap gap = gapBetween(timing.last, now);
-        std::printf("diff: %03ds. %03ldms. %03ldus\n", gap.seconds,
-                    static_cast<long>(gap.milliseconds), static_cast<long>(gap.microseconds));
-        quick = gap.seconds == 0 && gap.milliseconds < kQuickMilliseconds;
+        tap.gap = gapBetween(timing.last, now);
+        quick = tap.gap->seconds == 0 && tap.gap->milliseconds < kQuickMilliseconds;
     }
     count_ = quick ? count_ + 1 : 1;
     timing.last = now;
-    return count_;
+    tap.count = count_;
+    return tap;
 }

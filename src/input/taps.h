@@ -1,11 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "base/clock.h"
 
 /// Counting quick taps of one key. The four counters share one timing record: a tap of one key
 /// measures from the last counted tap of any of them.
+///
+///   Ctrl  ──599 ms──  Ctrl  ──599 ms──  Ctrl       1 2 3
+///   Ctrl  ──600 ms──  Ctrl                         1 1
+///   Ctrl ─300─ Alt ─300─ Ctrl ─300─ Ctrl           Ctrl 1 2 3, Alt 1
 
 /// How long after the last counted tap the next one came.
 struct TapGap {
@@ -22,11 +27,16 @@ struct TapTiming {
     TimeOfDay last;
 };
 
+struct Tap {
+    unsigned count = 0;
+    std::optional<TapGap> gap;  ///< nothing for a first tap
+};
+
 class TapCounter {
  public:
-    /// Counts a press at `now`: one more when it came less than 600 ms after the last counted one
-    /// (printing the gap), otherwise 1. Returns the count.
-    unsigned press(TapTiming& timing, const TimeOfDay& now);
+    /// Counts a press at `now`: one more when it came less than 600 ms after the last counted one,
+    /// otherwise 1.
+    Tap press(TapTiming& timing, const TimeOfDay& now);
 
     void reset() { count_ = 0; }
 

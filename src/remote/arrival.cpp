@@ -10,89 +10,66 @@ std::uint32_t lastOf(std::uint32_t count) { return count == 0 ? 0 : count - 1; }
 
 std::int32_t cellSize(const ScreenShape& screen) {
     return static_cast<std::int32_t>(
-        screen.single ? kUnit : kUnit / std::max<std::uint32_t>(screen.columns, 1));
+        screen.single ? kUnit : kUnit / std::max<std::uint32_t>(screen.cells.x, 1));
 }
 
-struct Axis {
-    std::uint32_t cell = 0;
-    std::int32_t pointer = 0;
-};
-
-/// The axis along which the pointer did not cross; `fromCount` and `toCount` are the screens' cells
-/// on it.
-Axis keptAxis(const ScreenShape& from, const ScreenShape& to, Axis at, std::uint32_t fromCount,
-              std::uint32_t toCount) {
+/// Converts cell and pointer of the axis along which the pointer did not cross.
+void keepAxis(const ScreenShape& from, const ScreenShape& to, Place& place, Axis axis) {
+    std::uint32_t& cell = place.cell[axis];
+    std::int32_t& pointer = place.pointer[axis];
     if (from.single == to.single) {
-        return {to.single ? 0 : at.cell, at.pointer};
+        cell = to.single ? 0 : cell;
+        return;
     }
-    const std::int32_t pointer = std::max(at.pointer, 0);
+    const std::int32_t within = std::max(pointer, 0);
     if (from.single) {
         const std::int32_t size = cellSize(to);
-        return {static_cast<std::uint32_t>(pointer / size),
-                pointer % size * static_cast<std::int32_t>(toCount)};
+        cell = static_cast<std::uint32_t>(within / size);
+        pointer = within % size * static_cast<std::int32_t>(to.cells[axis]);
+        return;
     }
-    const auto count = static_cast<std::int32_t>(std::max<std::uint32_t>(fromCount, 1));
-    return {0, moved(pointer / count, static_cast<std::int32_t>(at.cell) * cellSize(from))};
+    const auto count = static_cast<std::int32_t>(std::max<std::uint32_t>(from.cells[axis], 1));
+    pointer = moved(within / count, static_cast<std::int32_t>(cell) * cellSize(from));
+    cell = 0;
 }
 
 }  // namespace
 
-Direction directionTo(const ScreenShape& from, const ScreenShape& to) {
-    if (from.outX == to.outX && from.outY != to.outY) {
-        return to.outY < from.outY ? Direction::kUp : Direction::kDown;
+std::optional<Direction> directionTo(const ScreenShape& from, const ScreenShape& to) {
+    for (const DirectionRow& row : kDirections) {
+        const bool ahead = row.step < 0 ? to.place[row.axis] < from.place[row.axis]
+                                        : to.place[row.axis] > from.place[row.axis];
+        if (ahead && to.place[otherAxis(row.axis)] == from.place[otherAxis(row.axis)]) {
+            return row.direction;
+        }
     }
-    if (from.outY == to.outY && from.outX != to.outX) {
-        return to.outX < from.outX ? Direction::kLeft : Direction::kRight;
-    }
-    return Direction::kNone;
+    return std::nullopt;
 }
 
 std::optional<Place> arriveAtEdge(const ScreenShape& from, const ScreenShape& to, const Place& at,
-                                  std::int32_t width, std::int32_t height) {
-    Place place = at;
-    switch (directionTo(from, to)) {
-        case Direction::kUp:
-            place.y = height;
-            place.cellY = lastOf(to.rows);
-            break;
-        case Direction::kDown:
-            place.y = 0;
-            place.cellY = 0;
-            break;
-        case Direction::kLeft:
-            place.x = width;
-            place.cellX = lastOf(to.columns);
-            break;
-        case Direction::kRight:
-            place.x = 0;
-            place.cellX = 0;
-            break;
-        case Direction::kNone:
-            return std::nullopt;
+                                  const Position& picture) {
+    const auto direction = directionTo(from, to);
+    if (!direction) {
+        return std::nullopt;
     }
+    const DirectionRow& row = rowOf(*direction);
+    Place place = at;
+    place.pointer[row.axis] = edgeBehind(row, picture[row.axis]);
+    place.cell[row.axis] = row.step < 0 ? lastOf(to.cells[row.axis]) : 0;
     if (to.single) {
-        place.cellX = 0;
-        place.cellY = 0;
+        place.cell = {};
     }
     return place;
 }
 
 Place arriveScaled(const ScreenShape& from, const ScreenShape& to, const Place& at,
-                   std::int32_t width, std::int32_t height) {
-    const auto place = arriveAtEdge(from, to, at, width, height);
+                   const Position& picture) {
+    auto place = arriveAtEdge(from, to, at, picture);
     if (!place) {
-        return {0, 0, at.x, at.y};
+        return {{}, at.pointer};
     }
-    Place result = *place;
-    const Direction direction = directionTo(from, to);
-    if (direction == Direction::kLeft || direction == Direction::kRight) {
-        const Axis kept = keptAxis(from, to, {at.cellY, at.y}, from.rows, to.rows);
-        result.cellY = kept.cell;
-        result.y = kept.pointer;
-    } else {
-        const Axis kept = keptAxis(from, to, {at.cellX, at.x}, from.columns, to.columns);
-        result.cellX = kept.cell;
-        result.x = kept.pointer;
-    }
-    return result;
+    const Axis kept = otherAxis(rowOf(*directionTo(from, to)).axis);
+    place->cell[kept] = at.cell[kept];
+    keepAxis(from, to, *place, kept);
+    return *place;
 }

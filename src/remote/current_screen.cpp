@@ -1,13 +1,13 @@
+#include "remote/current_screen.h"
+
 #include <cstdio>
 #include <optional>
 
-#include "base/inputevent.h"
+#include "base/state.h"
 #include "base/text.h"
 #include "remote/arrival.h"
-#include "remote/wall_map.h"
-
-/// Selecting the current output screen. currentInfo holds a private copy of it, so a later change
-/// of the wall does not reach it until the next selection.
+#include "remote/box_in_control.h"
+#include "remote/handover.h"
 
 namespace {
 
@@ -19,17 +19,17 @@ std::optional<OutInfo> screenAt(unsigned outKey) {
 }
 
 ScreenShape shapeOf(const currentCtl& current) {
-    return {current.screen.single != 0, current.screen.columns, current.screen.rows, current.outX,
-            current.outY};
+    return {current.screen.single != 0,
+            {current.screen.columns, current.screen.rows},
+            screenOf(current)};
 }
 
 ScreenShape shapeOf(unsigned outKey, const OutInfo& screen) {
-    return {screen.isSingle(), screen.columns, screen.rows, gridColumn(outKey), gridRow(outKey)};
+    return {
+        screen.isSingle(), {screen.columns, screen.rows}, {gridColumn(outKey), gridRow(outKey)}};
 }
 
-Place placeOf(const currentCtl& current) {
-    return {current.cellX, current.cellY, current.pointerX, current.pointerY};
-}
+Place placeOf(const currentCtl& current) { return {cellOf(current), pointerOf(current)}; }
 
 /// Makes `screen` the current one. The copy goes in whole, with its place on the wall and the
 /// pointer.
@@ -38,10 +38,10 @@ void enter(unsigned outKey, OutInfo screen, const Place& place) {
         std::swap(current.screen, screen);
         current.outX = gridColumn(outKey);
         current.outY = gridRow(outKey);
-        current.cellX = place.cellX;
-        current.cellY = place.cellY;
-        current.pointerX = place.x;
-        current.pointerY = place.y;
+        current.cellX = place.cell.x;
+        current.cellY = place.cell.y;
+        current.pointerX = place.pointer.x;
+        current.pointerY = place.pointer.y;
     });
 }
 
@@ -57,7 +57,7 @@ int selectByName(const std::string& name) {
         enter(key, chosen, {});
         std::array<char, AddressText::kSize> address{};
         GetIpFromName(screen.name.c_str(), address.data());
-        curOutIp.set(AddressText{address.data()});
+        setOutIp(AddressText{address.data()});
         if (screen.isSingle()) {
             std::puts("this is a singal screen");
         } else {
@@ -82,8 +82,8 @@ int getCurrentInfo(const unsigned* outKey, const std::string& name) {
         return 0;
     }
     const currentCtl before = currentInfo.copy();
-    const auto place =
-        arriveAtEdge(shapeOf(before), shapeOf(*outKey, *target), placeOf(before), XRIGHT, YDOWN);
+    const auto place = arriveAtEdge(shapeOf(before), shapeOf(*outKey, *target), placeOf(before),
+                                    pictureOf(boxInControl()));
     if (!place) {
         std::puts("move out error");
     }
@@ -92,7 +92,7 @@ int getCurrentInfo(const unsigned* outKey, const std::string& name) {
     return 1;
 }
 
-int inputevent_::getCurrentInfo_(const unsigned* outKey, bool flag) {
+int getCurrentInfo_(const unsigned* outKey, bool flag) {
     if (outKey == nullptr) {
         return 0;
     }
@@ -105,13 +105,14 @@ int inputevent_::getCurrentInfo_(const unsigned* outKey, bool flag) {
     }
     const ScreenShape from = shapeOf(before);
     const ScreenShape to = shapeOf(*outKey, *target);
-    std::printf("input 0,x:0x%x,y:0x%x,int x:%u, y:%u\n", to.outX, to.outY, to.columns, to.rows);
-    Place place{0, 0, before.pointerX, before.pointerY};
+    std::printf("input 0,x:0x%x,y:0x%x,int x:%u, y:%u\n", to.place.x, to.place.y, to.cells.x,
+                to.cells.y);
+    Place place{{}, pointerOf(before)};
     if (!flag) {
-        if (directionTo(from, to) == Direction::kNone) {
+        if (!directionTo(from, to)) {
             std::puts("output 0,input 0");
         }
-        place = arriveScaled(from, to, placeOf(before), XRIGHT, YDOWN);
+        place = arriveScaled(from, to, placeOf(before), pictureOf(boxInControl()));
         target->single = static_cast<std::uint8_t>(to.single);
     }
     std::puts("start cp");

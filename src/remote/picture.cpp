@@ -1,29 +1,42 @@
-#include <cstdio>
-#include <utility>
+#include "remote/picture.h"
 
-#include "base/inputevent.h"
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "base/state.h"
 #include "net/udp_socket.h"
 #include "remote/box_answer.h"
-#include "remote/send.h"
-#include "remote/source_query.h"
+#include "remote/box_change.h"
+#include "remote/box_reply.h"
+#include "remote/direction.h"
 #include "remote/wire.h"
 
-/// What is done with a box's answer. The query on selection and the periodic one share their steps;
-/// what they print and when they write the table differs on purpose.
+/// The query on selection and the periodic one share their steps; what they print and when they
+/// write the table differs on purpose. An answer counts while the box that gave it has control.
 
 namespace {
 
 /// How far the pointer jumps when a box turns out to take relative reports.
 constexpr std::int32_t kRelativeNudge = 5;
 
-void printSize(std::int32_t width, std::int32_t height) {
-    struct Position {
-        std::int32_t x, y;
-    };
-    const Position at = currentInfo.with([](const currentCtl& current) {
-        return Position{current.pointerX, current.pointerY};
+/// Changes the box in control by `step`, unless control moved on from the box that answered;
+/// nothing then. The pointer may change in the same step.
+template <class Step>
+auto whileInControl(const BoxAnswer& answer, Step step)
+    -> std::optional<decltype(step(std::declval<BoxInControl&>(), std::declval<currentCtl&>()))> {
+    std::optional<decltype(step(std::declval<BoxInControl&>(), std::declval<currentCtl&>()))>
+        result;
+    changeBoxInControl([&](BoxInControl& box, Told&) {
+        if (box.serial == answer.asked.serial) {
+            result = currentInfo.with([&](currentCtl& now) { return step(box, now); });
+        }
+        return std::vector<Datagram>{};
     });
-    std::printf("get vi w=%d,h=%d and cur x:%d y:%d\n", width, height, at.x, at.y);
+    return result;
 }
 
 /// How much larger the new extent is; 1 when there was none to compare with.
@@ -31,35 +44,40 @@ float ratioOf(std::int32_t now, std::int32_t before) {
     return before == 0 ? 1.0F : static_cast<float>(now) / static_cast<float>(before);
 }
 
-/// Runs `store` on the facts of the box in control, unless control moved on from the box that
-/// answered. False then.
-template <class Store>
-bool whileInControl(const BoxAnswer& answer, Store store) {
-    const std::lock_guard hold(boxGuard);
-    if (curIp.copy() != answer.asked.ip || port_add != answer.asked.portAdd) {
-        return false;
-    }
-    store();
-    return true;
-}
+struct SizeStep {
+    std::int32_t width, height;
+    Position pointer;  ///< before
+    bool changed;
+    float xpre, ypre;
+};
 
 /// Takes over a new picture size and keeps the pointer at the same place of the picture.
-void applySize(const BoxAnswer& answer, std::int32_t width, std::int32_t height) {
-    if (width == XRIGHT && height == YDOWN) {
-        return;
+SizeStep takeSize(BoxInControl& box, currentCtl& now, std::int32_t width, std::int32_t height) {
+    SizeStep step{width,
+                  height,
+                  pointerOf(now),
+                  width != box.XRIGHT || height != box.YDOWN,
+                  ratioOf(width, box.XRIGHT),
+                  ratioOf(height, box.YDOWN)};
+    if (step.changed) {
+        now.pointerX = scaleTruncated(now.pointerX, step.xpre);
+        now.pointerY = scaleTruncated(now.pointerY, step.ypre);
+        box.XRIGHT = width;
+        box.YDOWN = height;
     }
-    const float xpre = ratioOf(width, XRIGHT);
-    const float ypre = ratioOf(height, YDOWN);
-    std::printf("xpre=%f\n", static_cast<double>(xpre));
-    std::printf("ypre=%f\n", static_cast<double>(ypre));
-    whileInControl(answer, [&] {
-        currentInfo.with([&](currentCtl& current) {
-            current.pointerX = scaleTruncated(current.pointerX, xpre);
-            current.pointerY = scaleTruncated(current.pointerY, ypre);
-        });
-        XRIGHT = width;
-        YDOWN = height;
-    });
+    return step;
+}
+
+void printSize(const SizeStep& step, const Position& pointer) {
+    std::printf("get vi w=%d,h=%d and cur x:%d y:%d\n", step.width, step.height, pointer.x,
+                pointer.y);
+}
+
+void printScale(const SizeStep& step) {
+    if (step.changed) {
+        std::printf("xpre=%f\n", static_cast<double>(step.xpre));
+        std::printf("ypre=%f\n", static_cast<double>(step.ypre));
+    }
 }
 
 /// A size that no picture has; one line says so.
@@ -72,130 +90,204 @@ bool refusesSize(const BoxReply& reply) {
     return refused;
 }
 
-/// Switches the pointer mode. The nudge is the last report that the box gets in absolute form.
-void applyMode(inputevent_& events, PointerMode mode, const BoxAnswer& answer) {
-    if (mode == PointerMode::kRelative && !rel_enable) {
-        std::puts("this input chip relation");
-        currentInfo.with([](currentCtl& current) {
-            current.pointerX = moved(current.pointerX, kRelativeNudge);
-            current.pointerY = moved(current.pointerY, kRelativeNudge);
-        });
-        wire::Absolute report{};
-        events.operationEvent(kMouseMove, answer.box().c_str(), nullptr, report.data());
-        whileInControl(answer, [] { rel_enable = 1; });
-    } else if (mode == PointerMode::kAbsolute && rel_enable) {
-        std::puts("this input chip abslation");
-        whileInControl(answer, [] { rel_enable = 0; });
-    }
+/// The last report that a box gets in absolute form.
+void tellNudge(const BoxAnswer& answer) {
+    tellBox([&answer](const BoxInControl& box) {
+        Message message;
+        if (box.serial == answer.asked.serial) {
+            const Position at =
+                currentInfo.with([](const currentCtl& now) { return pointerOf(now); });
+            message.add({box.curIp, box.port(), wire::absolute(0, at.x, at.y, 0)});
+        }
+        return message;
+    });
 }
 
-bool isInControl(const BoxAnswer& answer) {
-    return whileInControl(answer, [] {});
+/// Switches the pointer mode. Whoever finds a box to be relative first is the one who tells it.
+void applyMode(PointerMode mode, const BoxAnswer& answer) {
+    if (mode == PointerMode::kRelative) {
+        const auto first = whileInControl(answer, [](BoxInControl& box, currentCtl& now) {
+            const bool switches = !box.rel_enable && !box.relativeNext;
+            box.relativeNext = box.relativeNext || switches;
+            if (switches) {
+                now.pointerX = moved(now.pointerX, kRelativeNudge);
+                now.pointerY = moved(now.pointerY, kRelativeNudge);
+            }
+            return switches;
+        });
+        if (first.value_or(false)) {
+            std::puts("this input chip relation");
+            tellNudge(answer);
+            whileInControl(answer, [](BoxInControl& box, currentCtl&) {
+                box.relativeNext = false;
+                return box.rel_enable = true;
+            });
+        }
+    } else if (mode == PointerMode::kAbsolute) {
+        const auto switched = whileInControl(answer, [](BoxInControl& box, currentCtl&) {
+            return std::exchange(box.rel_enable, false);
+        });
+        if (switched.value_or(false)) {
+            std::puts("this input chip abslation");
+        }
+    }
 }
 
 /// The size that a selected box tells: taken over and remembered. A missing height counts as 0.
-void applySelectionSize(const BoxAnswer& answer, const BoxReply& reply) {
-    if (reply.width->overlong || (reply.height && reply.height->overlong)) {
-        whileInControl(answer, [] {
-            XRIGHT = kDefaultWidth;
-            YDOWN = kDefaultHeight;
-        });
+/// False when control moved on.
+bool applySelectionSize(const BoxAnswer& answer, const BoxReply& reply) {
+    const bool starts = reply.width->overlong || (reply.height && reply.height->overlong);
+    const auto step = whileInControl(answer, [&](BoxInControl& box, currentCtl& now) {
+        if (starts) {
+            box.XRIGHT = kDefaultWidth;
+            box.YDOWN = kDefaultHeight;
+        }
+        return takeSize(box, now, reply.width->value, reply.height ? reply.height->value : 0);
+    });
+    if (!step) {
+        return false;
     }
-    const std::int32_t width = reply.width->value;
-    const std::int32_t height = reply.height ? reply.height->value : 0;
-    printSize(width, height);
-    applySize(answer, width, height);
+    printSize(*step, step->pointer);
+    printScale(*step);
     const unsigned n = GetViNum(answer.box().c_str());
     if (n != 0) {
         vi_info.with([&](auto& records) {
             records[n].address = answer.box();
-            records[n].width = width;
-            records[n].height = height;
+            records[n].width = step->width;
+            records[n].height = step->height;
         });
-        std::printf("save vi %s (%d,%d)\n", answer.box().c_str(), width, height);
+        std::printf("save vi %s (%d,%d)\n", answer.box().c_str(), step->width, step->height);
     }
+    return true;
 }
 
-/// Stores the pointer mode of the box in its record.
 struct ModeChange {
-    std::uint8_t before = 0;
-    std::uint8_t now = 0;
+    bool before = false;
+    bool now = false;
 };
-ModeChange rememberMode(const BoxAnswer& answer) {
+
+/// Stores the pointer mode of the box in its record, in one step with what it is. A record that is
+/// another box's stays its own, unless the answer's size has just taken it over.
+ModeChange rememberMode(const BoxAnswer& answer, bool tookRecord) {
     const unsigned n = GetViNum(answer.box().c_str());
-    ModeChange change;
-    whileInControl(answer, [&] {
-        change.now = rel_enable;
-        change.before = vi_info.with(
-            [&](auto& records) { return std::exchange(records[n].relative, change.now); });
+    const auto remembered = whileInControl(answer, [&](BoxInControl& box, currentCtl&) {
+        const bool mode = box.rel_enable || box.relativeNext;
+        ModeChange change{mode, mode};
+        vi_info.with([&](auto& records) {
+            if (n == 0 || tookRecord || records[n].address == answer.box()) {
+                change.before = std::exchange(records[n].relative, mode ? 1 : 0) != 0;
+            }
+            return 0;
+        });
+        return change;
     });
-    return change;
+    return remembered.value_or(ModeChange{});
 }
 
 /// Everything of the query on selection but its closing line.
-void applySelectionAnswer(inputevent_& events, const BoxAnswer& answer) {
+void applySelectionAnswer(const BoxAnswer& answer) {
     const BoxReply reply = parseBoxReply(answer.text);
     if (!reply.width) {
         return;
     }
-    if (!refusesSize(reply)) {
-        applySelectionSize(answer, reply);
-    }
-    if (!reply.mode) {
+    const bool usable = !refusesSize(reply);
+    if ((usable && !applySelectionSize(answer, reply)) || !reply.mode) {
         return;
     }
-    applyMode(events, *reply.mode, answer);
-    std::printf("save %s vi rel :%d\n", answer.box().c_str(), rememberMode(answer).now);
+    applyMode(*reply.mode, answer);
+    std::printf("save %s vi rel :%d\n", answer.box().c_str(), rememberMode(answer, usable).now);
 }
 
 /// Rewrites the box's record when its stored size differs. True when it did.
-bool rememberSize(const BoxAnswer& answer, std::int32_t width, std::int32_t height) {
+bool rememberSize(const BoxAnswer& answer, const SizeStep& step) {
     const unsigned n = GetViNum(answer.box().c_str());
     return n != 0 && vi_info.with([&](auto& records) {
         ViInfo& record = records[n];
-        if (record.width == width && record.height == height) {
+        if (record.width == step.width && record.height == step.height) {
             return false;
         }
         record.address = answer.box();
-        record.width = width;
-        record.height = height;
+        record.width = step.width;
+        record.height = step.height;
         return true;
     });
 }
 
-/// The size of a periodic answer. A missing height keeps the present one.
-void applyPeriodicSize(const BoxAnswer& answer, const BoxReply& reply) {
-    const std::int32_t width = reply.width->value;
-    const std::int32_t height = reply.height ? reply.height->value : YDOWN.load();
-    applySize(answer, width, height);
-    if (rememberSize(answer, width, height)) {
-        printSize(width, height);
+/// The size of a periodic answer. A missing height keeps the present one. False when control moved
+/// on.
+bool applyPeriodicSize(const BoxAnswer& answer, const BoxReply& reply) {
+    struct Both {
+        SizeStep step;
+        Position after;
+    };
+    const auto both = whileInControl(answer, [&](BoxInControl& box, currentCtl& now) {
+        const SizeStep step =
+            takeSize(box, now, reply.width->value, reply.height ? reply.height->value : box.YDOWN);
+        return Both{step, pointerOf(now)};
+    });
+    if (!both) {
+        return false;
     }
+    printScale(both->step);
+    if (rememberSize(answer, both->step)) {
+        printSize(both->step, both->after);
+    }
+    return true;
+}
+
+void applyPeriodicAnswer(const BoxAnswer& answer) {
+    const BoxReply reply = parseBoxReply(answer.text);
+    if (!reply.width || boxInControl().serial != answer.asked.serial) {
+        return;
+    }
+    const bool usable = !refusesSize(reply);
+    if ((usable && !applyPeriodicSize(answer, reply)) || !reply.mode) {
+        return;
+    }
+    applyMode(*reply.mode, answer);
+    const ModeChange mode = rememberMode(answer, usable);
+    if (mode.before != mode.now) {
+        std::printf("get %s vi rel :%d\n", answer.box().c_str(), mode.now);
+    }
+}
+
+void printEcho(const BoxAnswer& answer) {
+    std::printf("get ip:%s port:%d input echo:%s\n", answer.sender.c_str(), answer.port,
+                answer.text.c_str());
 }
 
 }  // namespace
 
-void inputevent_::getChipVersion() {
+std::int32_t scaleTruncated(std::int32_t value, float ratio) {
+    const double scaled = std::trunc(static_cast<double>(static_cast<float>(value) * ratio));
+    constexpr auto kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr auto kHighest = std::numeric_limits<std::int32_t>::max();
+    if (!(scaled > kLowest)) {
+        return kLowest;
+    }
+    return scaled < kHighest ? static_cast<std::int32_t>(scaled) : kHighest;
+}
+
+void getChipVersion() {
     UDPSocket* socket = InputSocket;
     const auto answer = socket != nullptr ? askBox(*socket) : std::nullopt;
     if (answer && !answer->isFromBox()) {
         std::printf("now input ip %s port %d get error Ip %s port %d\n", answer->box().c_str(),
-                    answer->asked.port, answer->sender.c_str(), answer->port);
+                    answer->asked.port(), answer->sender.c_str(), answer->port);
         return;
     }
     if (answer) {
-        std::printf("get ip:%s port:%d input echo:%s\n", answer->sender.c_str(), answer->port,
-                    answer->text.c_str());
-        if (isInControl(*answer)) {
-            applySelectionAnswer(*this, *answer);
+        printEcho(*answer);
+        if (boxInControl().serial == answer->asked.serial) {
+            applySelectionAnswer(*answer);
         }
     }
     std::puts("end get input info");
 }
 
-void inputevent_::TimegetChipVersion() {
+void TimegetChipVersion() {
     UDPSocket* socket = InputViSocket;
-    if (socket == nullptr || is_user_ip) {
+    if (socket == nullptr || boxInControl().is_user_ip) {
         return;
     }
     const auto answer = askBox(*socket);
@@ -207,21 +299,6 @@ void inputevent_::TimegetChipVersion() {
                     answer->sender.c_str());
         return;
     }
-    std::printf("get ip:%s port:%d input echo:%s\n", answer->sender.c_str(), answer->port,
-                answer->text.c_str());
-    const BoxReply reply = parseBoxReply(answer->text);
-    if (!isInControl(*answer) || !reply.width) {
-        return;
-    }
-    if (!refusesSize(reply)) {
-        applyPeriodicSize(*answer, reply);
-    }
-    if (!reply.mode) {
-        return;
-    }
-    applyMode(*this, *reply.mode, *answer);
-    const ModeChange mode = rememberMode(*answer);
-    if (mode.before != mode.now) {
-        std::printf("get %s vi rel :%d\n", answer->box().c_str(), mode.now);
-    }
+    printEcho(*answer);
+    applyPeriodicAnswer(*answer);
 }

@@ -4,10 +4,11 @@
 
 #include "remote/wire.h"
 
-void preparePosition(inputevent_& events, const InputRecord* ev, std::uint8_t* buf) {
+void preparePointer(std::uint8_t* buf, std::int32_t wheel, const Position& at) {
     wire::putAbsoluteHeader(buf);
-    buf[wire::kWheelAt] = ev != nullptr ? wire::low8(ev->value) : std::uint8_t{0};
-    events.getInputMouseLocation(buf);
+    wire::put16(buf, wire::kXAt, at.x);
+    wire::put16(buf, wire::kYAt, at.y);
+    buf[wire::kWheelAt] = wire::low8(wheel);
 }
 
 void applyMouseButton(std::uint16_t code, std::int32_t value, std::uint8_t& buttons) {

@@ -2,13 +2,13 @@
 
 #include <cstdint>
 
-#include "base/inputevent.h"
+#include "remote/direction.h"
 
-/// What operationEvent does to the caller's 10-byte pointer buffer. Any thread, each on a buffer of
-/// its own.
+/// The 10-byte absolute report that pointer events add up in: buttons, wheel and position stay
+/// until they change. Any thread, each on a buffer of its own.
 
-/// Header, wheel byte (the event's value, or 0 without one) and position.
-void preparePosition(inputevent_& events, const InputRecord* ev, std::uint8_t* buf);
+/// Header, wheel byte (the low 8 bits of `wheel`) and position.
+void preparePointer(std::uint8_t* buf, std::int32_t wheel, const Position& at);
 
 /// Left, right, middle: a press sets its bit, a release clears every bit; other codes change
 /// nothing.

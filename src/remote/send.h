@@ -1,38 +1,23 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 
 #include "base/address_text.h"
+#include "remote/box_in_control.h"
 
-/// Fire-and-forget datagrams. Nothing is sent to "0.0.0.0" or to an empty address; send errors are
-/// not examined. Any thread.
+/// Fire-and-forget datagrams. Send errors are not examined. Any thread.
 
-/// The box now controlled and the form in which it takes its reports; one consistent copy.
-struct BoxTarget {
-    AddressText ip;
-    std::int32_t port = 0;     ///< for reports
-    std::int32_t portAdd = 0;  ///< the box's offset, for its query port
-    bool user = false;         ///< takes the user-list formats at their own port
-    bool relative = false;     ///< takes relative pointer reports
-};
-BoxTarget currentTarget();
-
-/// Sends through InputSocket.
-void sendToBox(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
+/// Sends through InputSocket; nothing to "0.0.0.0" or an empty address. Not noted: a report that
+/// presses something goes through tellBox.
+void sendToBox(const Datagram& datagram);
 
 /// Sends through InputSocket even to "0.0.0.0", which the kernel takes for this machine.
-void sendUnchecked(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
+void sendUnchecked(const Datagram& datagram);
 
-/// Sends through InputSocket to curIp at the current box's port.
-void sendToCurrentBox(std::span<const std::uint8_t> bytes);
-
-/// Sends the 11-byte keyboard report in the form that the box takes.
-void sendKeys(const BoxTarget& box, std::span<const std::uint8_t> report);
-
-/// Sends through KvmSetSocket: texts and reports for the OSD process.
+/// Sends through KvmSetSocket: texts and reports for the OSD process, UDP port `port`. Nothing to
+/// "0.0.0.0" or an empty address.
 void sendToOsd(const AddressText& ip, int port, std::span<const std::uint8_t> bytes);
 
 inline std::span<const std::uint8_t> bytesOf(std::string_view text) {

@@ -5,6 +5,7 @@
 
 #include "base/state.h"
 #include "base/text.h"
+#include "remote/handover.h"
 
 namespace {
 
@@ -44,28 +45,43 @@ std::uint32_t keyOf(const MapEntry& entry) {
     return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
 }
 
-struct Size {
-    std::uint32_t columns = 0;
-    std::uint32_t rows = 0;
-};
-
 }  // namespace
 
-MapEntry takeMapEntry(const std::string& text) {
-    MapEntry entry = parseMapEntry(text);
+WallDraft draftOfWall() { return {outInfo_.copy(), std::nullopt}; }
+
+void publish(WallDraft draft) {
+    outInfo_.set(std::move(draft.wall));
+    if (draft.port) {
+        setInputPort(*draft.port);
+    }
+}
+
+int spltLocationIp(const std::string& line, int* x, int* y, std::string* name, std::int32_t* port) {
+    MapEntry entry = parseMapEntry(line);
+    *x = entry.x;
+    *y = entry.y;
+    *name = std::move(entry.name);
     const std::int32_t given = entry.port ? str2int(*entry.port) : kDefaultInputPort;
     const bool usable = given >= 1 && given <= kMaxPort;
-    inputPort = usable ? given : kDefaultInputPort;
+    *port = usable ? given : kDefaultInputPort;
     if (!usable) {
-        std::printf("no input port in %s\n", text.c_str());
+        std::printf("no input port in %s\n", line.c_str());
     } else if (entry.port) {
         std::printf("get input port %d\n", given);
     }
+    return 1;
+}
+
+MapEntry takeEntry(WallDraft& draft, const std::string& text) {
+    MapEntry entry;
+    std::int32_t port = 0;
+    spltLocationIp(text, &entry.x, &entry.y, &entry.name, &port);
+    draft.port = port;
     return entry;
 }
 
-std::optional<unsigned> addScreen(Guarded<outInf>& wall, const std::string& text) {
-    const MapEntry entry = takeMapEntry(text);
+std::optional<unsigned> addScreen(WallDraft& draft, const std::string& text) {
+    const MapEntry entry = takeEntry(draft, text);
     if (entry.name.empty()) {
         std::puts("no output ip");
         return std::nullopt;
@@ -77,42 +93,35 @@ std::optional<unsigned> addScreen(Guarded<outInf>& wall, const std::string& text
     OutInfo screen;
     screen.name.assign(entry.name);
     std::puts("1");
-    wall.with([&](outInf& all) {
-        all.screens.try_emplace(key, screen);
-        all.columns = std::max(all.columns, gridColumn(key) + 1);
-        all.rows = std::max(all.rows, gridRow(key) + 1);
-    });
+    draft.wall.screens.try_emplace(key, screen);
+    draft.wall.columns = std::max(draft.wall.columns, gridColumn(key) + 1);
+    draft.wall.rows = std::max(draft.wall.rows, gridRow(key) + 1);
     std::printf("out:x:%d,y:%d,outkey:0x%x->ip:%s\n", entry.x, entry.y, key, entry.name.c_str());
     return key;
 }
 
-bool addCell(Guarded<outInf>& wall, const std::string& text, unsigned outKey) {
-    const MapEntry entry = takeMapEntry(text);
+bool addCell(WallDraft& draft, const std::string& text, unsigned outKey) {
+    if (text.empty()) {
+        std::puts("ipmap error");
+        return false;
+    }
+    const MapEntry entry = takeEntry(draft, text);
     if (!isOnScreenGrid(entry) || !nameFits(entry.name)) {
         return false;
     }
     std::printf("get osd data x:%d y:%d ip:%s\n", entry.x, entry.y, entry.name.c_str());
-    const auto before = wall.with([outKey](const outInf& all) -> std::optional<Size> {
-        const auto screen = all.screens.find(outKey);
-        if (screen == all.screens.end()) {
-            return std::nullopt;
-        }
-        return Size{screen->second.columns, screen->second.rows};
-    });
-    if (!before) {
+    const auto found = draft.wall.screens.find(outKey);
+    if (found == draft.wall.screens.end()) {
         std::printf("no screen 0x%x for the cell %d,%d\n", outKey, entry.x, entry.y);
         return false;
     }
-    std::printf("outkey-->0x%x(%u,%u)-->inx:%d,iny:%d\n", outKey, before->columns, before->rows,
+    OutInfo& screen = found->second;
+    std::printf("outkey-->0x%x(%u,%u)-->inx:%d,iny:%d\n", outKey, screen.columns, screen.rows,
                 entry.x, entry.y);
     const std::uint32_t inKey = keyOf(entry);
-    const Size after = wall.with([&](outInf& all) {
-        OutInfo& screen = all.screens[outKey];
-        screen.columns = std::max(screen.columns, gridColumn(inKey) + 1);
-        screen.rows = std::max(screen.rows, gridRow(inKey) + 1);
-        screen.cells.try_emplace(inKey, InInfo{AddressText{entry.name}});
-        return Size{screen.columns, screen.rows};
-    });
-    std::printf("in:xmax:%u,ymax:%u,ip:%s\n", after.columns, after.rows, entry.name.c_str());
+    screen.columns = std::max(screen.columns, gridColumn(inKey) + 1);
+    screen.rows = std::max(screen.rows, gridRow(inKey) + 1);
+    screen.cells.try_emplace(inKey, InInfo{AddressText{entry.name}});
+    std::printf("in:xmax:%u,ymax:%u,ip:%s\n", screen.columns, screen.rows, entry.name.c_str());
     return true;
 }

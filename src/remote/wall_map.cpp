@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "base/singleton.h"
@@ -15,49 +16,48 @@
 
 namespace {
 
-/// The whole wall from "out" text, built aside and published in one step.
-int setWall(const std::vector<std::string>& entries) {
-    Guarded<outInf> wall;
-    bool complete = true;
-    for (const std::string& text : entries) {
-        const MapEntry entry = takeMapEntry(text);
-        std::printf("x:%d,y:%d-->ip:%s\n", entry.x, entry.y, entry.name.c_str());
-        if (entry.name.empty()) {
-            std::puts("output ip NULL");
-            complete = false;
-            break;
-        }
-        const std::uint32_t key =
-            gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
-        const bool placed = isOnGrid(entry.x) && isOnGrid(entry.y) && AddressText::fits(entry.name);
-        const bool known =
-            placed && wall.with([key](const outInf& all) { return all.screens.contains(key); });
-        if (known) {
-            const AddressText name{entry.name};
-            const bool same = wall.with(
-                [&](outInf& all) { return std::exchange(all.screens[key].name, name) == name; });
-            if (same) {
-                std::puts("key in map and ip same");
-            }
-            continue;
-        }
-        std::printf("%s no key in map\n", entry.name.c_str());
-        if (const auto added = addScreen(wall, text)) {
-            addCell(wall, kNoInputCell, *added);
-        }
-    }
-    outInfo_.set(wall.copy());
-    if (!complete) {
-        return 0;
-    }
-    return MapToSv();
+std::uint32_t keyOf(const MapEntry& entry) {
+    return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
 }
 
-/// The key of the first screen whose name begins with `name`; an empty name means none.
-std::optional<unsigned> findScreen(const std::string& name) {
-    const outInf wall = outInfo_.copy();
+/// One entry of "out" text. False when it has no name, which ends the text.
+bool setScreen(WallDraft& draft, const std::string& text) {
+    const MapEntry entry = takeEntry(draft, text);
+    std::printf("x:%d,y:%d-->ip:%s\n", entry.x, entry.y, entry.name.c_str());
+    if (entry.name.empty()) {
+        std::puts("output ip NULL");
+        return false;
+    }
+    const bool placed = isOnGrid(entry.x) && isOnGrid(entry.y) && AddressText::fits(entry.name);
+    const auto known = placed ? draft.wall.screens.find(keyOf(entry)) : draft.wall.screens.end();
+    if (known != draft.wall.screens.end()) {
+        const AddressText name{entry.name};
+        if (std::exchange(known->second.name, name) == name) {
+            std::puts("key in map and ip same");
+        }
+        return true;
+    }
+    std::printf("%s no key in map\n", entry.name.c_str());
+    if (const auto added = addScreen(draft, text)) {
+        addCell(draft, kNoInputCell, *added);
+    }
+    return true;
+}
+
+/// The whole wall from "out" text.
+int setWall(const std::vector<std::string>& entries) {
+    WallDraft draft;
+    const bool complete =
+        std::all_of(entries.begin(), entries.end(),
+                    [&draft](const std::string& text) { return setScreen(draft, text); });
+    publish(std::move(draft));
+    return complete ? MapToSv() : 0;
+}
+
+/// The key of the first screen whose name begins with `name`.
+std::optional<unsigned> findScreen(const outInf& wall, const std::string& name) {
     for (const auto& [key, screen] : wall.screens) {
-        if (!name.empty() && screen.name.view().starts_with(name)) {
+        if (screen.name.view().starts_with(name)) {
             return key;
         }
         std::puts("out ip not in map");
@@ -67,27 +67,23 @@ std::optional<unsigned> findScreen(const std::string& name) {
 
 /// The cells of one screen from "in" text; the first entry names the screen.
 int setCells(const std::vector<std::string>& entries, unsigned* outKey) {
-    const auto key = findScreen(entries.empty() ? std::string{} : entries.front());
+    WallDraft draft = draftOfWall();
+    const auto key = entries.empty() ? std::nullopt : findScreen(draft.wall, entries.front());
     if (!key) {
         return MapToSv();
     }
-    Guarded<outInf> wall{outInfo_.copy()};
-    wall.with([&](outInf& all) {
-        OutInfo& screen = all.screens[*key];
-        screen.cells.clear();
-        screen.columns = 0;
-        screen.rows = 0;
-    });
+    OutInfo& screen = draft.wall.screens[*key];
+    screen.cells.clear();
+    screen.columns = 0;
+    screen.rows = 0;
     if (outKey != nullptr) {
         *outKey = *key;
     }
     for (std::size_t i = 1; i < entries.size(); ++i) {
-        const MapEntry entry = takeMapEntry(entries[i]);
-        std::printf("inkey-->0x%x\n", gridKey(static_cast<std::uint32_t>(entry.x),
-                                              static_cast<std::uint32_t>(entry.y)));
-        addCell(wall, entries[i], *key);
+        std::printf("inkey-->0x%x\n", keyOf(takeEntry(draft, entries[i])));
+        addCell(draft, entries[i], *key);
     }
-    outInfo_.set(wall.copy());
+    publish(std::move(draft));
     return MapToSv();
 }
 
@@ -104,39 +100,33 @@ void copyText(const std::string& text, char* out) {
 
 }  // namespace
 
-int spltLocationIp(const std::string& line, int* x, int* y, std::string* name) {
-    const MapEntry entry = takeMapEntry(line);
-    *x = entry.x;
-    *y = entry.y;
-    *name = entry.name;
-    return 1;
-}
-
 unsigned createMap(const std::string& entry, bool isOut, unsigned outKey) {
+    WallDraft draft = draftOfWall();
     if (entry.empty()) {
         std::puts("ipmap error");
         return 0;
     }
-    if (isOut) {
-        return addScreen(outInfo_, entry).value_or(0);
-    }
-    return addCell(outInfo_, entry, outKey) ? outKey : 0;
+    const unsigned key =
+        isOut ? addScreen(draft, entry).value_or(0) : (addCell(draft, entry, outKey) ? outKey : 0);
+    publish(std::move(draft));
+    return key;
 }
 
 int CreatOutIpMap(const std::string& line) {
     const std::vector<std::string> entries = mapEntries(line);
     if (entries.empty() || entries.front().empty()) {
-        createMap("", true, 0);
+        std::puts("ipmap error");
         return 1;
     }
-    const auto outKey = addScreen(outInfo_, entries.front());
-    if (!outKey) {
-        return 1;
+    // Taken out and put back: at start-up nobody else looks, and a wall has thousands of lines.
+    WallDraft draft{outInfo_.with([](outInf& wall) { return std::exchange(wall, {}); }), {}};
+    if (const auto outKey = addScreen(draft, entries.front())) {
+        for (std::size_t i = 1; i < entries.size(); ++i) {
+            addCell(draft, entries[i], *outKey);
+        }
+        addCell(draft, kNoInputCell, *outKey);
     }
-    for (std::size_t i = 1; i < entries.size(); ++i) {
-        createMap(entries[i], false, *outKey);
-    }
-    createMap(kNoInputCell, false, *outKey);
+    publish(std::move(draft));
     return 1;
 }
 

@@ -2,12 +2,13 @@
 
 #include <string>
 
-/// The wall map: built from its text, changed on command, written back to the settings; and the
-/// selection of the current screen. Control thread, and main before any other thread exists.
-/// Other threads see either the old or the new wall, never one half built.
+/// The wall map: built from its text, changed on command, written back to the settings. Control
+/// thread, and main before any other thread exists. Other threads see either the old or the new
+/// wall, never one half built.
 
-/// Adds one entry to the wall: an output screen, or a cell of the screen `outKey`. Parsing an entry
-/// sets inputPort to its fourth field, or to 80. Returns the screen's out key, 0 on error.
+/// Adds one entry to the wall: an output screen, or a cell of the screen `outKey`. A text that is
+/// parsed sets inputPort to the fourth field of its last entry, or to 80. Returns the screen's out
+/// key, 0 on error.
 unsigned createMap(const std::string& entry, bool isOut, unsigned outKey);
 
 /// Adds a whole line: a screen and its cells, then the cell (0,0) "0.0.0.0" unless the line had
@@ -21,15 +22,8 @@ int osdIpMapSet(const std::string& data, const std::string& kind, unsigned* outK
 /// Writes the wall to the settings and saves them. Returns 1.
 int MapToSv();
 
-/// Selects the current screen: by name (`outKey` null: the first whose name begins with `name`), or
-/// by key as a crossing from the current one. Returns 1, or 0 when there is no such screen.
-int getCurrentInfo(const unsigned* outKey, const std::string& name);
-
 /// Parses a device-status query of at least 4 lines: `ipOut` receives the second line's value,
 /// `addrOut` and `portOut` the third line's "address:port" if that line has 19 characters or more.
 /// Each text buffer holds 20 bytes and receives at most 19 characters. Returns 1, or 0 when there
 /// are fewer lines.
 int get_seq_ip(const std::string& text, char* ipOut, char* addrOut, int* portOut);
-
-/// Reads one entry: x, y and name, and inputPort from its fourth field. Returns 1.
-int spltLocationIp(const std::string& line, int* x, int* y, std::string* name);

@@ -1,6 +1,40 @@
 #include "remote/wire.h"
 
+#include <algorithm>
+
 namespace wire {
+
+namespace {
+
+constexpr std::array<FormRow, kForms> kFormRows{{
+    // index, head, size, pressed, motion
+    {0, {kMagic0, kMagic1, kKeyboardKind}, Keyboard{}.size(), kModifiersAt, 11, 0, 0},
+    {1, {kMagic0, kMagic1, kAbsoluteKind}, Absolute{}.size(), kButtonsAt, 5, kWheelAt, 10},
+    {2, {kMagic0, kMagic1, kRelativeKind}, Relative{}.size(), kRelButtonsAt, 4, kRelXAt, 7},
+    {3, {kUserMagic, 0x00, 0x01}, UserKeyboard{}.size(), kUserModifiersAt, 12, 0, 0},
+    {4, {kUserMagic, 0x00, 0x02}, UserPointer{}.size(), kButtonsAt, 5, kUserWheelAt, 11},
+}};
+
+}  // namespace
+
+const FormRow* formOf(std::span<const std::uint8_t> bytes) {
+    const auto* const row = std::find_if(kFormRows.begin(), kFormRows.end(), [&](const FormRow& r) {
+        return bytes.size() == r.size && std::equal(r.head.begin(), r.head.end(), bytes.begin());
+    });
+    return row == kFormRows.end() ? nullptr : row;
+}
+
+bool isDown(const FormRow& form, std::span<const std::uint8_t> bytes) {
+    const auto pressed = bytes.subspan(form.pressedAt, form.pressedEnd - form.pressedAt);
+    return std::any_of(pressed.begin(), pressed.end(), [](std::uint8_t byte) { return byte != 0; });
+}
+
+void letGo(const FormRow& form, std::span<std::uint8_t> bytes) {
+    std::ranges::fill(bytes.subspan(form.pressedAt, form.pressedEnd - form.pressedAt),
+                      std::uint8_t{0});
+    std::ranges::fill(bytes.subspan(form.motionAt, form.motionEnd - form.motionAt),
+                      std::uint8_t{0});
+}
 
 Absolute absolute(std::uint8_t buttons, std::int32_t x, std::int32_t y, std::uint8_t wheel) {
     Absolute report{};

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -120,6 +121,23 @@ Keyboard keyboard(std::uint8_t modifiers, std::uint8_t usage);
 UserPointer userPointer(std::uint8_t buttons, std::int32_t x, std::int32_t y, std::uint8_t wheel);
 UserKeyboard userKeyboard(std::uint8_t modifiers, std::uint8_t usage);
 std::string lights(bool capsLock, bool numLock);
+
+/// The five forms in which a box is told what is down.
+inline constexpr std::size_t kForms = 5;
+struct FormRow {
+    std::size_t index;                  ///< 0 to kForms - 1
+    std::array<std::uint8_t, 3> head;   ///< the first bytes
+    std::size_t size;                   ///< of the whole report
+    std::size_t pressedAt, pressedEnd;  ///< buttons, or modifiers and usages
+    std::size_t motionAt, motionEnd;    ///< wheel and relative motion; an empty range: none
+};
+
+/// The form of a report; null for anything else.
+const FormRow* formOf(std::span<const std::uint8_t> bytes);
+/// True when a report of that form tells that something is pressed.
+bool isDown(const FormRow& form, std::span<const std::uint8_t> bytes);
+/// Makes a report of that form tell that nothing is pressed and nothing moves.
+void letGo(const FormRow& form, std::span<std::uint8_t> bytes);
 
 /// All keys up: modifiers and usages 0.
 inline constexpr Keyboard kKeyRelease{kMagic0, kMagic1, kKeyboardKind};

@@ -21,6 +21,7 @@ class Console : public ::testing::Test {
     static constexpr rig::Milliseconds kSilence{100};       ///< for what must not come
 
     rig::Plan plan = rig::usualPlan();
+    bool endsByDesign = false;  ///< the test ends the daemon itself
 
     /// Made from `plan` at the first call.
     rig::World& world();

@@ -1,3 +1,6 @@
+#include <linux/input-event-codes.h>
+
+#include <algorithm>
 #include <thread>
 
 #include "rig/script.h"
@@ -22,6 +25,7 @@ class Player {
  private:
     void run(const Step& step);
     void settle(const Step& step);
+    void settleListener(const Step& step);
     void emit(const Step& step);
     void oddity(const Step& step);
     void pause(const Step& step);
@@ -35,6 +39,7 @@ class Player {
     World& world_;
     Stamp now_{1000, 0};
     bool settled_ = true;  ///< no command was sent since the last event
+    bool judged_ = true;   ///< the last step looked at what came out
     int marks_ = 0;
     std::vector<std::string> faults_;
 };
@@ -66,6 +71,10 @@ std::vector<std::string> Player::play() {
 }
 
 void Player::run(const Step& step) {
+    if (step.kind == Step::Kind::kSend && judged_) {
+        settleListener(step);
+    }
+    judged_ = step.kind != Step::Kind::kEmit && step.kind != Step::Kind::kPause;
     switch (step.kind) {
         case Step::Kind::kEmit:
             return emit(step);
@@ -125,6 +134,23 @@ void Player::settle(const Step& step) {
     world_.control().send({kDaemonAddress, kCommandPort}, mark);
     if (!world_.daemon().waitUntilPrinted("recv error osd command:" + mark, kExpectLimit)) {
         fault(step, "the commands to be worked off", "no answer");
+    }
+}
+
+/// A report may be seen before the listener is done with its event, so a command that follows what
+/// was seen waits for it: a record that means nothing gets its line when those before it are
+/// served.
+void Player::settleListener(const Step& step) {
+    const auto& devices = script_.plan.devices;
+    const auto keyboard =
+        std::find_if(devices.begin(), devices.end(),
+                     [](const PlannedDevice& device) { return device.kind == Kind::kKeyboard; });
+    const int mark = ++marks_;
+    if (keyboard != devices.end() &&
+        world_.board.emit(keyboard->number, EV_MSC, MSC_SCAN, mark, now_) &&
+        !world_.daemon().waitUntilPrinted("type:4 code:4 value:" + std::to_string(mark),
+                                          kExpectLimit)) {
+        fault(step, "the events to be worked off", "no line about the last");
     }
 }
 

@@ -1,4 +1,5 @@
 #include "base/event_node.h"
+#include "base/led_bits.h"
 
 #include <fcntl.h>
 #include <linux/input.h>

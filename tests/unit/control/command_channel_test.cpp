@@ -3,12 +3,16 @@
 #include "base/singleton.h"
 #include "config/software_config.h"
 #include "control/hotkey_table.h"
-#include "unit/remote/board.h"
+#include "control/mouse_to.h"
+#include "remote/lights.h"
+#include "remote/reports.h"
+#include "unit/remote/between.h"
+#include "unit/remote/remote_state.h"
 
 namespace {
 
 /// What the plain commands do is played from outside.
-class Commands : public Board {
+class Commands : public RemoteState {
  protected:
     Commands() {
         localip.set(AddressText{"10.0.0.1"});
@@ -17,8 +21,9 @@ class Commands : public Board {
     std::string order(const std::string& text) {
         return printedBy([&] { channel.handle(text); });
     }
-    CommandChannel channel{events};
-    Box box{"127.0.0.31"};
+    DeviceCounts counts;
+    CommandChannel channel{console, counts};
+    Receiver box{"127.0.0.31"};
 };
 
 TEST_F(Commands, WhatNoRowMatchesIsReportedAndDropped) {
@@ -31,7 +36,7 @@ TEST_F(Commands, WhatNoRowMatchesIsReportedAndDropped) {
 
 TEST_F(Commands, OnlyTheLastRelationIsNotTakenAgain) {
     placePointer(9, 9);
-    osdFlag = 1;
+    console.modes.osdFlag = 1;
     startFlag = 0;
     const std::string text = "relation&0,0,10.0.0.5#1,0,10.0.0.1";
     EXPECT_NE(order(text), "");
@@ -39,25 +44,69 @@ TEST_F(Commands, OnlyTheLastRelationIsNotTakenAgain) {
     EXPECT_EQ(startFlag, 1) << "the OSD is open";
     EXPECT_EQ(order(text), "");
     EXPECT_EQ(order("relation&0,0,0"), "stop kvm\n");
-    EXPECT_EQ(curIp.copy(), AddressText("0.0.0.0"));
-    EXPECT_EQ(curName.copy(), AddressText("0.0.0.0"));
+    EXPECT_EQ(boxInControl().curIp, AddressText("0.0.0.0"));
+    EXPECT_EQ(boxInControl().curName, AddressText("0.0.0.0"));
     EXPECT_EQ(outInfo_.copy().screens.size(), 2U);
-    osdFlag = 0;
+    console.modes.osdFlag = 0;
     EXPECT_NE(order(text), "") << "no longer the last one";
     EXPECT_EQ(startFlag, 0);
 }
 
 TEST_F(Commands, DetailsSelectTheConsolesOwnScreenAgain) {
-    startFlag = events.hotPlugFlag = 0;
+    startFlag = console.duties.hotPlugFlag = 0;
     placePointer(30, 40);
     order("details&10.0.0.1#0,0," + box.name());
     EXPECT_EQ(box.all(), "57 ab 04 01 00 1e 00 28 00 00") << "the pointer as it stands";
     order("details&10.0.0.1#0,0," + box.name() + "#1,0,127.9.0.250#1,1,127.9.0.251");
     EXPECT_EQ(box.all(), "57 ab 04 01 00 00 00 00 00 00") << "more than 48 characters";
-    osdFlag = 1;
+    console.modes.osdFlag = 1;
     EXPECT_NE(order("details&10.0.0.2#0,0,127.9.0.8").find("detail get curIp=127.0.0.31\n"),
               std::string::npos)
         << "while the OSD is open, for any output box";
+}
+
+TEST_F(Commands, AModeIsSetBeforeItsWordsAndWhatIsDownIsLetGo) {
+    control(box);
+    const auto pressA = [&] {
+        sendReport(BoxReport::keys(wire::keyboard(0, 0x04)), console.motion);
+        box.all();
+    };
+    pressA();
+    beforeSend = [&](int, std::string_view) { EXPECT_EQ(console.modes.osdFlag, 1); };
+    order("OSDSTART");
+    beforeSend = nullptr;
+    EXPECT_EQ(box.all(), kKeysUp);
+    pressA();
+    order("relation&0,0,0");
+    EXPECT_EQ(box.all(), kKeysUp);
+    order("OSDSTART");
+    EXPECT_EQ(box.all(), "") << "no box";
+}
+
+/// A moving mouse at every step of "details": it looks whether lights and picture are due.
+TEST_F(Commands, AfterDetailsTheNewBoxIsBroughtUpToDateOrDueForIt) {
+    const Receiver old{"127.0.0.32"};
+    startFlag = 0;
+    bool more = true;
+    int moment = 0;
+    for (; more; ++moment) {
+        order("details&10.0.0.1#0,0," + old.name());
+        console.duties.hotPlugFlag = 0;
+        box.all();
+        printedBy([&] {
+            more = interrupted(
+                moment, [&] { channel.handle("details&10.0.0.1#0,0," + box.name()); },
+                [&] {
+                    if (resyncIsDue(console, boxInControl())) {
+                        resync(console);
+                    }
+                });
+        });
+        EXPECT_TRUE(console.duties.hotPlugFlag ||
+                    box.all().find("6c 69 6e 6b") != std::string::npos)
+            << "step " << moment;
+    }
+    EXPECT_GT(moment, 20);
 }
 
 TEST_F(Commands, TouchAddressIsTakenFromASingleEntry) {
@@ -73,11 +122,12 @@ TEST_F(Commands, TouchAddressIsTakenFromASingleEntry) {
         {"details&#0,0,127.9.0.1", "get main touchIp=127.9.0.1\n1", "127.9.0.1"},
         {"&10.0.0.1#0,0,", "get main touchIp=\n1", ""}};
     for (const auto& [text, printed, touch] : rows) {
-        events.touchInputIp.set(AddressText{"old"});
+        console.touchInputIp.set(AddressText{"old"});
         int result = 9;
-        const std::string lines = printedBy([&, t = text] { result = getTouchIp(events, t); });
+        const std::string lines =
+            printedBy([&, t = text] { result = getTouchIp(console.touchInputIp, t); });
         EXPECT_EQ(lines + std::to_string(result), printed) << text;
-        EXPECT_EQ(events.touchInputIp.copy().view(), touch) << text;
+        EXPECT_EQ(console.touchInputIp.copy().view(), touch) << text;
     }
 }
 
@@ -96,9 +146,9 @@ TEST_F(Commands, MouseGoesWhereTheNumbersSay) {
 
 TEST_F(Commands, StatusIsToldAtTheAddressThatTheQueryNames) {
     KvmSetSocket = &toBoxes;
-    events.mouseDevices.count = 1;
-    events.keyDevices.count = 2;
-    Box named{"127.0.0.131"};
+    counts.mice = 1;
+    counts.keyboards = 2;
+    Receiver named{"127.0.0.131"};
     const std::string to = "\nto=127.0.0.131:" + std::to_string(named.port);
     order("[seq]\nip=10.0.0.2" + to + "\nusb_link_device");
     order("[seq]\nip=10.0.0.1\nto=127.0.0.131:70000\nusb_link_device");

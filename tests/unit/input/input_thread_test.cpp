@@ -4,10 +4,14 @@
 #include <functional>
 #include <thread>
 
-#include "base/singleton.h"
-#include "unit/input/listener_world.h"
+#include "unit/input/fifo_root.h"
 
 namespace {
+
+/// How many entries a directory such as /proc/self/fd has.
+long entriesOf(const char* directory) {
+    return std::distance(std::filesystem::directory_iterator(directory), {});
+}
 
 /// Looks again and again, for at most ten seconds.
 bool soon(const std::function<bool()>& holds) {
@@ -19,25 +23,28 @@ bool soon(const std::function<bool()>& holds) {
 
 TEST(InputThread, StoppedAtAnyMomentItLeavesNothingBehind) {
     const FifoRoot root{3};
-    const auto events = Singleton<inputevent_>::instance();
-    events->hotPlugFlag = 0;
-    events->touchNamed = 1;
+    DeviceCounts counts;
+    Devices devices{counts};
+    ConsoleState console;
+    InputSlices slices{devices, console};
+    console.duties.hotPlugFlag = 0;
+    devices.panel.touchNamed = true;
     long descriptors = 0;
     long threads = 0;
     printedBy([&] {
         for (int round = 0; round <= 200; ++round) {
-            list(events->keyDevices, "event0");
-            list(events->mouseDevices, "event1");
-            list(events->touchDevices, "event2");
-            events->listenerAlive = 0;
-            startInputThread();
+            list(devices.keyDevices, "event0");
+            list(devices.mouseDevices, "event1");
+            list(devices.touchDevices, "event2");
+            devices.listenerAlive = 0;
+            startInputThread(slices);
             if (round % 25 == 0) {
-                EXPECT_TRUE(soon([&] { return events->listenerAlive == 1; }));
+                EXPECT_TRUE(soon([&] { return devices.listenerAlive == 1; }));
             } else {
                 std::this_thread::sleep_for(std::chrono::milliseconds(round % 10));
             }
             stopInputThread();
-            events->closeInputFd(true, true, true);
+            closeInputFd(devices, console.lights, true, true, true);
             if (round == 0) {  // the first one may bring helpers of the C library with it
                 descriptors = entriesOf("/proc/self/fd");
                 threads = entriesOf("/proc/self/task");

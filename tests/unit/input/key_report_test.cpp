@@ -1,9 +1,10 @@
+#include "input/key_report.h"
+
 #include <linux/input-event-codes.h>
 
 #include <array>
 #include <map>
 
-#include "base/inputevent.h"
 #include "unit/fixture.h"
 
 namespace {
@@ -27,15 +28,15 @@ std::uint64_t digest(std::string_view text) {
     return value;
 }
 
-struct KeyReport : testing::Test {
+struct Translation : testing::Test {
     int press(int code) {
         name = {"untouched"};
-        return events.OnKeyDown(code, report.data(), 0, 0, 0, name.data());
+        return OnKeyDown(lights, code, report.data(), 0, 0, 0, name.data());
     }
 
     int release(int code) {
         int result = 0;
-        printed = printedBy([&] { result = events.OnKeyUp(code, report.data(), 0); });
+        printed = printedBy([&] { result = OnKeyUp(code, report.data(), 0); });
         return result;
     }
 
@@ -44,13 +45,13 @@ struct KeyReport : testing::Test {
                                   static_cast<std::uint8_t>(usage)}));
     }
 
-    inputevent_ events;
+    Lights lights;
     Report report{};
     std::array<char, 30> name{};
     std::string printed;
 };
 
-TEST_F(KeyReport, EveryKeyIsPressedAndReleasedAsItsRowSays) {
+TEST_F(Translation, EveryKeyIsPressedAndReleasedAsItsRowSays) {
     constexpr int kPage = 32;
     std::array<std::string, 0x300 / kPage> pages;
     for (int code = -1; code < 0x300; ++code) {
@@ -74,7 +75,7 @@ TEST_F(KeyReport, EveryKeyIsPressedAndReleasedAsItsRowSays) {
     }
 }
 
-TEST_F(KeyReport, CarriesOneKeyAtATimeAndEveryHeldModifier) {
+TEST_F(Translation, CarriesOneKeyAtATimeAndEveryHeldModifier) {
     for (const int code : {KEY_LEFTSHIFT, KEY_A, KEY_RIGHTALT, KEY_B}) {
         press(code);
     }
@@ -89,19 +90,19 @@ TEST_F(KeyReport, CarriesOneKeyAtATimeAndEveryHeldModifier) {
     EXPECT_EQ(printed, "rightmeta keyup\n");
 }
 
-TEST_F(KeyReport, LockKeysToggleOnPressesOnly) {
+TEST_F(Translation, LockKeysToggleOnPressesOnly) {
     for (const int expected : {1, 0, 1}) {
         press(KEY_CAPSLOCK);
         release(KEY_CAPSLOCK);
         press(KEY_SCROLLLOCK);
-        EXPECT_EQ(events.capsLockOn, expected);
+        EXPECT_EQ(lights.capsLockOn, expected);
     }
-    EXPECT_EQ(events.numLockOn, 0);
+    EXPECT_EQ(lights.numLockOn, 0);
     press(KEY_NUMLOCK);
-    EXPECT_EQ(events.numLockOn, 1);
+    EXPECT_EQ(lights.numLockOn, 1);
 }
 
-TEST_F(KeyReport, EveryHotkeyTextIsPrefixThenName) {
+TEST_F(Translation, EveryHotkeyTextIsPrefixThenName) {
     const std::string ctrl = "LEFTCTRL+", shift = "LEFTSHIFT+", alt = "LEFTALT+";
     std::map<int, std::string> prefixes{{0x08, "WIN+"}};
     for (const int side : {0x01, 0x10}) {
@@ -113,7 +114,7 @@ TEST_F(KeyReport, EveryHotkeyTextIsPrefixThenName) {
         report[3] = static_cast<std::uint8_t>(modifiers);
         report[5] = static_cast<std::uint8_t>(usage);
         std::array<char, 64> text{"-"};  // it is appended
-        EXPECT_EQ(events.GetChar(report.data(), text.data()), 1);
+        EXPECT_EQ(GetChar(report.data(), text.data()), 1);
         return std::string(text.data());
     };
     std::string names;

@@ -1,84 +1,294 @@
-#include <linux/input-event-codes.h>
+#include "input/key_rules.h"
 
-#include "control/hotkey_table.h"
-#include "unit/input/listener_world.h"
+#include "unit/input/rule_world.h"
 
 namespace {
 
-/// What goes where is played from outside; these are the rules that hardly show there.
-struct KeyRules : ListenerWorld {
-    /// A key event; what the box got for it.
-    std::string key(std::uint16_t code, std::int32_t value) {
-        EXPECT_TRUE(give(events.keyDevices, serveKeyboards, {0, 0, EV_KEY, code, value}));
-        return box.all();
+struct Keys : RuleWorld {
+    Keys() {
+        key(KEY_A, 2);
+        sink.takeLines();
     }
+    /// What one record makes of the keys, after `ms`.
+    std::string key(int code, std::int32_t value, int ms = 0, std::size_t slot = 0) {
+        now.microseconds += ms * 1000;
+        now.seconds += now.microseconds / 1'000'000;
+        now.microseconds %= 1'000'000;
+        next = rules.serve(
+            {{0, 0, EV_KEY, static_cast<std::uint16_t>(code), value}, slot, "event0", 3, now});
+        return sink.take();
+    }
+    std::string down(int code, int ms = 0) { return key(code, 1, ms); }
+    std::string up(int code) { return key(code, 0); }
+    /// What the press says; its release is the same for all.
+    std::string tap(int code, int ms) {
+        const std::string said = down(code, ms);
+        up(code);
+        return said;
+    }
+    void listHotkeys(const char* list) { hotkeys.set(parseHotkeys(list, false).table); }
+
+    TimeOfDay now{1000, 0};
+    KeyRules rules{state, sink};
+    std::optional<std::size_t> next;
 };
 
-TEST_F(KeyRules, WithALocalOsdTheAltCounterStaysAtThree) {
-    KvmSetSocket = nullptr;  // no command leaves here for an OSD of this machine
-    for (int tap = 1; tap <= 6; ++tap) {
-        handlePress(state, 0, KEY_LEFTALT);
-        EXPECT_EQ(box.all(), tap == 3 ? "" : "57 ab 01 04 00 00 00 00 00 00 00") << "tap " << tap;
-    }
-    EXPECT_EQ(events.previewMode, 0) << "the OSD sets the mode itself";
-}
-
-TEST_F(KeyRules, KeysForAnOutputBoxesOsdCarryTheLockByteOnce) {
-    Box osd{ownAddress(), wire::kOsdKeyPort};
-    qtFlag = 0;
-    osdFlag = 1;
-    for (const unsigned locks : {0U, 1U, 2U, 3U}) {
-        events.capsLockOn = locks % 2 != 0;
-        events.numLockOn = locks > 1;
-        handlePress(state, 0, KEY_A);
-        EXPECT_EQ(osd.all(), "57 ab 01 00 00 04 00 00 00 00 00 0" + std::to_string(locks));
-    }
-}
-
-TEST_F(KeyRules, TheLookUpsIndexGoesOnAsTheKeyboards) {
-    struct Row {
-        const char* hotkeys;
-        int presser;
-        const char* left;  ///< which keyboards still have their event after one pass
+TEST_F(Keys, ThreeTapsLessThan600MillisecondsApart) {
+    const struct {
+        bool here;
+        int code;
+        const char *first, *second, *third;
+    } rows[] = {
+        {true, KEY_LEFTCTRL, "keys 01+00 | pause 10", "keys 01+00 | pause 10",
+         "here: OSDSTART +osd"},
+        {true, KEY_RIGHTCTRL, "keys 10+00 | pause 10", "keys 10+00 | pause 10",
+         "here: OSDSTART +osd"},
+        {false, KEY_LEFTCTRL, "keys 01+00 | pause 10", "keys 01+00 | pause 10",
+         "out: OSDSTART +osd"},
+        {true, KEY_LEFTALT, "keys 04+00 | pause 10", "keys 04+00 | pause 10", "here: PREVIEWSTART"},
+        {false, KEY_LEFTALT, "keys 04+00 | pause 10", "keys 04+00 | pause 10",
+         "out: PREVIEWSTART +preview"},
+        {true, KEY_LEFTSHIFT, "keys 02+00 | pause 10", "",
+         "out: KVMSTART +kvm | keys 01+00 | pause 10 | keys 00+00 | pause 10 | keys 00+00"},
     };
-    for (const Row& row : {Row{"", 0, ""},                        // no match in 0: slot 1
-                           Row{"LEFTCTRL+A", 0, ""},              // match at 0: slot 1
-                           Row{"LEFTCTRL+B#LEFTCTRL+A", 0, "1"},  // match at 1: slot 2
-                           Row{"LEFTCTRL+B#LEFTALT+A", 0, "12"},  // no match in 2: slot 3
-                           Row{"LEFTCTRL+A", 2, ""}}) {           // back to 1, now empty
-        hotkeyinfo_.set(parseHotkeys(row.hotkeys, false).table);
-        state.report[3] = 0x01;
-        events.keyDevices.count = 0;
-        FD_ZERO(&state.ready);
-        for (int i = 0; i < 3; ++i) {
-            const InputRecord record{
-                0, 0, i == row.presser ? std::uint16_t{EV_KEY} : std::uint16_t{}, KEY_A, 1};
-            EXPECT_EQ(write(add(events.keyDevices), &record, sizeof record), kRecordSize);
-            FD_SET(events.keyDevices.fds[static_cast<std::size_t>(i)], &state.ready);
-        }
-        EXPECT_TRUE(serveKeyboards(state));
-        std::string left;
-        for (std::size_t i = 0; i < 3; ++i) {
-            pollfd wait{events.keyDevices.fds[i], POLLIN, 0};
-            left += poll(&wait, 1, 0) == 1 ? std::to_string(i) : "";
-        }
-        EXPECT_EQ(left, row.left) << row.hotkeys;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.code) + (row.here ? " here" : " out"));
+        state.osdIsHere = row.here;
+        EXPECT_EQ(tap(row.code, 2000), row.first);
+        EXPECT_EQ(tap(row.code, 599), row.second);
+        EXPECT_EQ(tap(row.code, 600), row.first) << "too late: a first one again";
+        EXPECT_EQ(tap(row.code, 599), row.second);
+        EXPECT_EQ(tap(row.code, 599), row.third);
+        setModes("");
+        state.ctrlTaps = state.altTaps = state.shiftTaps = false;
+        const std::string plain = row.first;
+        EXPECT_EQ(tap(row.code, 1), plain.substr(0, plain.find(" |"))) << "counted no more";
+        state.ctrlTaps = state.altTaps = state.shiftTaps = true;
     }
-    hotkeyinfo_.set({});
+    sink.takeLines();
+    tap(KEY_LEFTSHIFT, 2000);
+    tap(KEY_LEFTSHIFT, 599);
+    state.box.curIp.assign("0.0.0.0");
+    EXPECT_EQ(tap(KEY_LEFTSHIFT, 599), "out: KVMSTART +kvm") << "no box, no tap of Ctrl there";
+    const std::string lines = sink.takeLines();
+    EXPECT_NE(lines.find("diff: 000s. 599ms. 000us\nshift number-->3\nsend 10.0.0.20,KVMSTART\n"),
+              lines.npos)
+        << lines;
 }
 
-TEST_F(KeyRules, TheHeldCountHasAFloorAndAtZeroNothingIsRemembered) {
-    EXPECT_EQ(key(KEY_F14, 0), "") << "a release that is never sent";
-    EXPECT_EQ(key(KEY_A, 0), kKeysUp);
-    EXPECT_EQ(events.keysHeld, 0);
-    key(KEY_RIGHTMETA, 1);
-    key(KEY_A, 1);
-    key(KEY_A, 2);
-    EXPECT_EQ(events.keysHeld, 2);
-    key(KEY_A, 0);
-    EXPECT_EQ(state.modifiers(), 0x80);
-    key(KEY_RIGHTMETA, 0);
-    EXPECT_EQ(state.modifiers(), 0) << "the stuck bit goes when the last key is up";
+TEST_F(Keys, TheCountersShareTheirTimingAndResetEachOther) {
+    const auto last = [&](std::initializer_list<int> codes) {
+        std::string said;
+        for (const int code : codes) {
+            said = tap(code, 300);
+        }
+        setModes("");
+        tap(KEY_A, 300);
+        return said;
+    };
+    constexpr int kCtrl = KEY_LEFTCTRL, kAlt = KEY_LEFTALT, kShift = KEY_LEFTSHIFT;
+    state.osdIsHere = false;
+    EXPECT_EQ(last({kCtrl, kAlt, kCtrl, kShift, kCtrl}), "out: OSDSTART +osd")
+        << "600 ms after the last Ctrl, but 300 after a tap";
+    EXPECT_EQ(last({kCtrl, kCtrl, KEY_A, kCtrl}), "keys 01+00 | pause 10");
+    const auto opens = [&](std::initializer_list<int> before, int third) {
+        for (const int code : before) {
+            tap(code, 100);
+        }
+        tap(third, 100);
+        setModes("");
+        return sink.take();
+    };
+    opens({kAlt, kAlt, kCtrl, kCtrl}, kCtrl);
+    EXPECT_EQ(last({kAlt}), "keys 04+00 | pause 10") << "the third Ctrl ends Alt's count";
+    opens({kCtrl, kCtrl, kAlt, kAlt}, kAlt);
+    EXPECT_EQ(last({kCtrl}), "keys 01+00 | pause 10") << "and the third Alt Ctrl's";
+    state.osdIsHere = true;
+    opens({kCtrl, kCtrl, kAlt, kAlt}, kAlt);
+    for (int more = 4; more <= 6; ++more) {
+        EXPECT_EQ(tap(kAlt, 100), "keys 04+00 | pause 10") << "it counts on from 3";
+    }
+    EXPECT_EQ(tap(kCtrl, 100), "keys 01+00 | pause 10");
+    tap(kAlt, 600);
+    tap(kAlt, 1);
+    EXPECT_EQ(tap(kAlt, 1), "here: PREVIEWSTART");
+}
+
+TEST_F(Keys, ThreeEscapesLeaveEveryModeOfAnOutputBox) {
+    state.osdIsHere = false;
+    for (const std::string mode : {"o", "p", "k", "opk"}) {
+        setModes(mode);
+        EXPECT_EQ(tap(KEY_ESC, 2000).substr(0, 23), "out keys: 00+29 locks 0");
+        tap(KEY_ESC, 599);
+        EXPECT_EQ(tap(KEY_ESC, 600).substr(0, 8), "out keys") << "a first one again";
+        tap(KEY_ESC, 599);
+        EXPECT_EQ(tap(KEY_ESC, 599), "out: OSDQUIT | keys 00+29") << mode;
+    }
+    state.osdIsHere = true;
+    EXPECT_EQ(tap(KEY_ESC, 1) + tap(KEY_ESC, 1) + tap(KEY_ESC, 1),
+              "keys 00+29keys 00+29keys 00+29");
+}
+
+TEST_F(Keys, ACombinationIsAHotkeyAnArrowOrForTheBox) {
+    const struct {
+        const char* hotkeys;
+        int modifier, key;
+        const char* said;
+        std::size_t next;
+    } rows[] = {
+        {"", KEY_LEFTCTRL, KEY_A, "keys 01+04 | pause 10", 1},
+        {"LEFTCTRL+A:menu", KEY_RIGHTCTRL, KEY_A, "here keys: 10+04 | keys 00+00", 1},
+        {"LEFTCTRL+B#LEFTCTRL+A", KEY_LEFTCTRL, KEY_A, "here keys: 01+04 | keys 00+00", 2},
+        {"LEFTCTRL+B#LEFTALT+A", KEY_LEFTCTRL, KEY_A, "keys 01+04 | pause 10", 3},
+        {"LEFTALT+F1", KEY_LEFTALT, KEY_F10, "here keys: 04+43 | keys 00+00", 1},
+        {"", KEY_LEFTCTRL, KEY_LEFT, "arrow left | keys 01+50 | pause 10", 1},
+        {"", KEY_RIGHTCTRL, KEY_RIGHT, "arrow right | keys 10+4f | pause 10", 1},
+        {"", KEY_LEFTCTRL, KEY_UP, "arrow up | keys 01+52 | pause 10", 1},
+        {"", KEY_LEFTCTRL, KEY_DOWN, "arrow down | keys 01+51 | pause 10", 1},
+        {"", KEY_LEFTALT, KEY_LEFT, "keys 04+50 | pause 10", 1},
+        {"LEFTCTRL+UP", KEY_LEFTCTRL, KEY_UP, "here keys: 01+52 | keys 00+00 | arrow up", 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.said);
+        listHotkeys(row.hotkeys);
+        down(row.modifier, 2000);
+        EXPECT_EQ(down(row.key), row.said);
+        EXPECT_EQ(next, row.next);
+        for (int swallowed = 0; swallowed < 2; ++swallowed) {
+            down(KEY_TAB);
+        }
+        for (const int code : {row.modifier, row.key, KEY_TAB}) {
+            up(code);
+        }
+    }
+    listHotkeys("");
+    down(KEY_LEFTCTRL, 2000);
+    down(KEY_RIGHTCTRL, 2000);
+    EXPECT_EQ(down(KEY_LEFT), "keys 11+50 | pause 10") << "both Ctrls do not cross";
+    up(KEY_RIGHTCTRL);
+    down(KEY_LEFTALT);
+    EXPECT_EQ(down(KEY_LEFT), "keys 05+50 | pause 10") << "nor does Ctrl with Alt";
+    up(KEY_LEFTALT);
+    sink.onCommand = [&] { state.box.curIp.assign("0.0.0.0"); };
+    EXPECT_EQ(down(KEY_RIGHT), "arrow right") << "the box that has got control is none";
+    EXPECT_EQ(down(KEY_A), "");
+}
+
+TEST_F(Keys, AfterAHotkeyReleasesGoToBothUntilTheNextCombinationWhichIsSwallowed) {
+    listHotkeys("LEFTCTRL+F1");
+    down(KEY_LEFTCTRL);
+    down(KEY_F1);
+    EXPECT_EQ(up(KEY_F1), "here keys: 01+00 | keys 01+00");
+    EXPECT_EQ(down(KEY_C), "");
+    EXPECT_EQ(up(KEY_C), "keys 01+00");
+    EXPECT_EQ(down(KEY_C), "keys 01+06 | pause 10");
+    state.osdIsHere = false;
+    EXPECT_EQ(down(KEY_F1), "out: 01+3a | keys 00+00") << "at an output box the command port";
+}
+
+TEST_F(Keys, EachModeHasItsWayForPressesAndReleases) {
+    const struct {
+        bool here;
+        const char* modes;
+        int code;
+        const char *press, *release;
+    } rows[] = {
+        {true, "", KEY_A, "keys 00+04", "keys 00+00"},
+        {true, "o", KEY_A, "here keys: 00+04 +osd", "here keys: 00+00 +osd"},
+        {true, "p", KEY_A, "here keys: 00+04 +preview", "here keys: 00+00 +preview"},
+        {true, "k", KEY_A, "here keys: 00+04 +kvm", "keys 00+00"},
+        {true, "o", KEY_ESC, "here: OSDQUIT", "keys 00+00"},
+        {true, "op", KEY_ESC, "here: PREVIEWQUIT", "keys 00+00"},
+        {true, "k", KEY_ESC, "here: OSDQUIT +kvm", "keys 00+00"},
+        {false, "o", KEY_A, "out keys: 00+04 locks 0 +osd", "here keys: 00+00 +osd"},
+        {false, "p", KEY_ESC, "out keys: 00+29 locks 0 +preview", "here keys: 00+00 +preview"},
+        {false, "k", KEY_A, "out keys: 00+04 locks 0 +kvm", "keys 00+00"},
+        // A lock key reads the lights for the OSD, and tells them to a box that has keys and
+        // pointer.
+        {true, "", KEY_CAPSLOCK, "keys 00+39", "keys 00+00 | tell lights"},
+        {true, "", KEY_NUMLOCK, "keys 00+53", "keys 00+00 | tell lights"},
+        {true, "o", KEY_NUMLOCK, "read lights | here keys: 00+53 +osd", "here keys: 00+00 +osd"},
+        {true, "p", KEY_CAPSLOCK, "here keys: 00+39 +preview", "here keys: 00+00 +preview"},
+        {false, "k", KEY_CAPSLOCK, "out keys: 00+39 locks 1 +kvm", "keys 00+00"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.modes) + " " + row.press);
+        console.lights.capsLockOn = console.lights.numLockOn = 0;
+        state.osdIsHere = row.here;
+        setModes(row.modes);
+        EXPECT_EQ(down(row.code, 2000), row.press);
+        EXPECT_EQ(up(row.code), row.release);
+    }
+    setModes("");
+    state.box.is_user_ip = true;
+    down(KEY_CAPSLOCK);
+    EXPECT_EQ(up(KEY_CAPSLOCK), "keys 00+00") << "no lights there";
+    state.osdIsHere = false;
+    setModes("o");
+    for (const int locks : {0, 1, 2, 3}) {
+        console.lights.capsLockOn = locks % 2 != 0;
+        console.lights.numLockOn = locks > 1;
+        EXPECT_EQ(down(KEY_A), "out keys: 00+04 locks " + std::to_string(locks) + " +osd");
+        EXPECT_EQ(sink.takeLines().find("num lock\n") != std::string::npos, locks > 1);
+    }
+}
+
+TEST_F(Keys, TheStartKeyIsLetGoAtTheBasePort) {
+    EXPECT_EQ(down(KEY_F13), "keys 00+68 | pause 10 | base port 00+00");
+    state.box.is_user_ip = true;
+    EXPECT_EQ(down(KEY_F13), "keys 00+68");
+    state.box.curIp.assign("0.0.0.0");
+    EXPECT_EQ(down(KEY_F13) + down(KEY_B), "");
+    EXPECT_EQ(down(240), "") << "a key that is not handled";
+}
+
+TEST_F(Keys, HeldIsWhatThisListenerSawPressedAndNotYetReleased) {
+    EXPECT_EQ(up(KEY_F14), "") << "a release that is never sent";
+    EXPECT_EQ(up(KEY_A), "keys 00+00") << "forwarded, and no more";
+    EXPECT_EQ(rules.keysHeld(), 0U);
+    const struct {
+        int code, value;
+        std::size_t slot, held;
+    } rows[] = {{KEY_RIGHTMETA, 1, 0, 1}, {KEY_A, 1, 0, 2}, {KEY_A, 2, 0, 2}, {KEY_A, 1, 1, 3},
+                {KEY_A, 1, 1, 3},         {KEY_B, 0, 1, 3}, {KEY_A, 0, 2, 3}, {KEY_A, 0, 0, 2},
+                {KEY_A, 0, 0, 2},         {KEY_A, 0, 1, 1}};
+    for (const auto& row : rows) {
+        key(row.code, row.value, 0, row.slot);
+        EXPECT_EQ(rules.keysHeld(), row.held) << "row " << &row - rows;
+    }
+    EXPECT_EQ(state.keys.modifiers(), 0x80);
+    up(KEY_RIGHTMETA);
+    EXPECT_EQ(state.keys.modifiers(), 0) << "the stuck bit goes when the last key is up";
+}
+
+TEST_F(Keys, LightsAreReadAtTheFirstKeyAndTakenFromTheKeyboard) {
+    KeyRules fresh(state, sink);
+    const auto serve = [&](std::uint16_t type, std::uint16_t code, std::int32_t value) {
+        fresh.serve({{0, 0, type, code, value}, 2, "event7", 9, now});
+        return sink.take();
+    };
+    console.lights.ledKeyFd.set(-1);
+    EXPECT_EQ(serve(EV_LED, LED_CAPSL, 1), "");
+    EXPECT_EQ(console.lights.capsLockOn, 1);
+    serve(EV_LED, LED_NUML, 1);
+    EXPECT_EQ(console.lights.numLockOn, 0);
+    serve(EV_LED, LED_SCROLLL, 1);
+    EXPECT_EQ(sink.takeLines(),
+              "type:17 code:1 value:1\nfd :9 event7 led get code  1,value  1\n"
+              "type:17 code:0 value:1\nfd :9 event7 led get code  0,value  1\n"
+              "type:17 code:2 value:1\nnot support other led event\n"
+              "fd :9 event7 led get code  2,value  1\n");
+    EXPECT_EQ(console.lights.ledKeyFd.copy(), -1);
+    console.duties.hotPlugFlag = 1;
+    sink.onCommand = [&] { console.duties.hotPlugFlag = 0; };
+    console.modes.kvmMode = 1;
+    EXPECT_EQ(serve(EV_KEY, KEY_B, 2), "read lights");
+    EXPECT_EQ(console.lights.ledKeyFd.copy(), 9);
+    console.duties.hotPlugFlag = 1;
+    EXPECT_EQ(serve(EV_KEY, KEY_B, 1), "here keys: 00+05 +kvm") << "not due in a mode";
+    setModes("");
+    EXPECT_EQ(serve(EV_KEY, KEY_B, 1), "resync | keys 00+05");
+    EXPECT_EQ(serve(EV_KEY, KEY_B, 1), "keys 00+05");
 }
 
 }  // namespace

@@ -21,14 +21,15 @@ struct Discovery : testing::Test {
     /// One pass over the listing as the supervisor makes it: "keyboards|mice|touch panels".
     std::string take(const std::string& text, bool restart = false) {
         const DeviceListing listing = takeListing(text);
-        printed = printedBy([&] { recognisePanel(events, listing, restart, touchByName); });
-        printed += printedBy([&] { classifyLines(events, listing, touchByName); });
-        return names(events.keyDevices) + "|" + names(events.mouseDevices) + "|" +
-               names(events.touchDevices);
+        printed = printedBy([&] { recognisePanel(devices, listing, restart, touchByName); });
+        printed += printedBy([&] { classifyLines(devices, listing, touchByName); });
+        return names(devices.keyDevices) + "|" + names(devices.mouseDevices) + "|" +
+               names(devices.touchDevices);
     }
     bool saidFirst(const std::string& line) const { return printed.starts_with(line); }
 
-    inputevent_ events;
+    DeviceCounts counts;
+    Devices devices{counts};
     bool touchByName = false;
     std::string printed;
 };
@@ -52,18 +53,18 @@ TEST_F(Discovery, PanelsAreRecognisedByName) {
         for (const bool restart : {false, true}) {
             SCOPED_TRACE(std::string(row.name) + (restart ? ", restart" : ", first pass"));
             const std::string text = device("Mouse", "event3") + device(row.name, "mouse1 event4");
-            events.ilitekTouch = touchByName = false;
+            devices.panel.ilitekTouch = touchByName = false;
             take(text, restart);
             const bool other = restart && !row.restartLine.empty();
             EXPECT_TRUE(saidFirst((other ? row.restartLine : row.line) + " event-->event4\n"))
                 << printed;
-            EXPECT_EQ(events.touchType, row.type);
-            EXPECT_EQ(events.touchMaxX, restart ? row.restartMaxX : row.maxX);
-            EXPECT_EQ(events.touchMaxY, restart ? row.restartMaxY : row.maxY);
-            EXPECT_EQ(events.touchDevices.count, row.count);
-            EXPECT_STREQ(events.touchDevices.name(0), "event4");
+            EXPECT_EQ(devices.panel.touchType, row.type);
+            EXPECT_EQ(devices.panel.touchMaxX, restart ? row.restartMaxX : row.maxX);
+            EXPECT_EQ(devices.panel.touchMaxY, restart ? row.restartMaxY : row.maxY);
+            EXPECT_EQ(devices.touchDevices.count, row.count);
+            EXPECT_STREQ(devices.touchDevices.name(0), "event4");
             EXPECT_EQ(touchByName, row.byName);
-            EXPECT_EQ(events.ilitekTouch, row.type == 0 ? 1 : 0);
+            EXPECT_EQ(devices.panel.ilitekTouch, row.type == 0 ? 1 : 0);
             touchByName = true;
             take(text, restart);
             EXPECT_TRUE(touchByName) << "none of the five clears what an earlier pass found";
@@ -75,28 +76,28 @@ TEST_F(Discovery, WithoutAPanelTheFlagsAreClearedAndTheRangeStays) {
     const std::string panel = device("ILITEK ILITEK-TP", "mouse0 event2");
     take("V06.00.00.00\n" + panel);
     EXPECT_EQ(printed, "get new touch event-->event2\nthis is touch event\n");
-    EXPECT_EQ(events.touchFwV06, 0) << "looked for after the node";
+    EXPECT_EQ(devices.panel.touchFwV06, 0) << "looked for after the node";
     take(panel + "S: V06.00.00.00\n");
     EXPECT_EQ(take(device("My ILITEK ILITEK-TP", "kbd event1"), true), "event1||");
     EXPECT_EQ(printed, "not get newTouch\nget key event-->event1\n");
-    EXPECT_EQ(events.ilitekTouch + touchByName, 0);
-    EXPECT_EQ(events.touchMaxX, 16384);
-    EXPECT_EQ(events.touchFwV06, 1) << "never forgotten";
+    EXPECT_EQ(devices.panel.ilitekTouch + touchByName, 0);
+    EXPECT_EQ(devices.panel.touchMaxX, 16384);
+    EXPECT_EQ(devices.panel.touchFwV06, 1) << "never forgotten";
     take(device("Plain Keyboard", "kbd event1"));
     EXPECT_EQ(printed, "not Touch\nget key event-->event1\n");
 }
 
 TEST_F(Discovery, HandlersDecideWhatADeviceIs) {
-    for (const auto& [handlers, devices] : {std::pair{"sysrq kbd event0", "event0||"},
-                                            {"sysrq kbd leds event10", "event10||"},
-                                            {"mouse0 event11", "|event11|"},
-                                            {"mouse0 event1 js0", "||event1"},
-                                            {"js0 mouse0 event1", "|event1|"},
-                                            {"kbd mouse0 event1", "|event1|"},
-                                            {"mouse0 kbd event1", "event1|event1|"},
-                                            {"event3", "||"},
-                                            {"kbd", "||"}}) {
-        EXPECT_EQ(take(device("Something", handlers)), devices) << handlers;
+    for (const auto& [handlers, lists] : {std::pair{"sysrq kbd event0", "event0||"},
+                                          {"sysrq kbd leds event10", "event10||"},
+                                          {"mouse0 event11", "|event11|"},
+                                          {"mouse0 event1 js0", "||event1"},
+                                          {"js0 mouse0 event1", "|event1|"},
+                                          {"kbd mouse0 event1", "|event1|"},
+                                          {"mouse0 kbd event1", "event1|event1|"},
+                                          {"event3", "||"},
+                                          {"kbd", "||"}}) {
+        EXPECT_EQ(take(device("Something", handlers)), lists) << handlers;
     }
     // A panel's node is cut to six characters; then names are compared whole.
     EXPECT_EQ(take(device("Siliconworks", "mouse0 event12") + device("Mouse", "mouse1 event1")),

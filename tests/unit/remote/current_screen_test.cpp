@@ -1,10 +1,11 @@
-#include "remote/select_input.h"
+#include "remote/edge_crossing.h"
+#include "remote/selection.h"
 #include "remote/wire.h"
-#include "unit/remote/board.h"
+#include "unit/remote/remote_state.h"
 
 namespace {
 
-class CurrentScreen : public Board {
+class CurrentScreen : public RemoteState {
  protected:
     CurrentScreen() {
         buildWall({"0,0,10.0.0.1#1,1,10.0.1.1", "1,0,10.0.0.2-5", "1,1,10.0.0.20"}, "10.0.0.1");
@@ -19,7 +20,7 @@ TEST_F(CurrentScreen, IsTheFirstWhoseNameBeginsSo) {
               "this is a singal screen\n");
     EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 0,0");
     EXPECT_EQ(currentInfo.copy().screen.single, 1);
-    EXPECT_EQ(curOutIp.copy().view(), "10.0.0.2");
+    EXPECT_EQ(boxInControl().curOutIp.view(), "10.0.0.2");
     EXPECT_TRUE(printedBy([] {
                     EXPECT_EQ(getCurrentInfo(nullptr, "10.0.0.1"), 1);
                 }).ends_with("this is multi_screen-->2x2\n"));
@@ -27,57 +28,69 @@ TEST_F(CurrentScreen, IsTheFirstWhoseNameBeginsSo) {
     EXPECT_EQ(getCurrentInfo(nullptr, "10.0.0.3"), 0);
     unsigned hole = 0x20000;
     EXPECT_EQ(getCurrentInfo(&hole, ""), 0);
+    EXPECT_EQ(getCurrentInfo_(&hole, false) + getCurrentInfo_(nullptr, false), 0);
     EXPECT_EQ(place(), "screen 0,0 cell 0,0 pointer 0,0");
     osdIpMapSet("0,0,10.7.7.7", "out", nullptr);
     EXPECT_EQ(currentInfo.copy().screen.cells.size(), 2U) << "a private copy";
 }
 
+TEST_F(CurrentScreen, ByKeyIsEnteredOverTheEdgeThatLiesBetween) {
+    placeCell(1, 1);
+    placePointer(1921, 60);
+    unsigned key = 0x10001;
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(getCurrentInfo(&key, ""), 1); }),
+              "get outkey:0x10001\nfind\nmove out error\n");
+    EXPECT_EQ(place(), "screen 1,1 cell 1,1 pointer 1921,60");
+    key = 0x10000;
+    getCurrentInfo(&key, "");
+    EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 1921,1080");
+    key = 0;
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(getCurrentInfo(&key, ""), 1); }), "get outkey:0x0\nfind\n");
+    EXPECT_EQ(place(), "screen 0,0 cell 1,0 pointer 1920,1080");
+}
+
 TEST_F(CurrentScreen, CellIsSelectedWithWhatIsKnownOfItsBox) {
-    AddressText ip;
-    Box before{"127.0.0.31"};
-    control(before);
+    char ip[AddressText::kSize] = "old";
     vi_info.with([](auto& records) {
         records[1] = {1, AddressText{"10.0.1.1"}, 800, 600};
         records[2] = {1, AddressText{"10.9.9.2"}, 640, 480};
     });
     const std::string names = "name:10.0.0.1 ip:10.0.0.1\nname:10.0.1.1 ip:10.0.1.1\n";
     const std::string known = "--->get vi info (800,600),rel:1<---\n";
-    EXPECT_EQ(printedBy([&] { EXPECT_EQ(events.GetCurInip(0x10001, ip), 1); }), names + known);
-    EXPECT_EQ(before.all(), kKeysUp) << "to the box that loses control";
-    EXPECT_EQ(curIp.copy().view(), before.ip) << "the caller's to change";
-    EXPECT_EQ(ip.view(), "10.0.1.1");
-    EXPECT_EQ(curName.copy().view(), "10.0.1.1");
-    is_user_ip = 1;
-    events.GetCurInip(0, ip);
-    EXPECT_EQ(ip.view(), "0.0.0.0");
-    EXPECT_EQ(rel_enable, 0);
-    EXPECT_EQ(is_user_ip, 1) << "a cell without an input leaves it";
-    EXPECT_EQ(XRIGHT * 10000 + YDOWN, 19201080);
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(GetCurInip(0x10001, ip), 1); }), names + known);
+    EXPECT_STREQ(ip, "10.0.1.1");
+    EXPECT_EQ(boxInControl().curIp.view(), "10.0.1.1");
+    EXPECT_EQ(boxInControl().curName.view(), "10.0.1.1");
+    EXPECT_EQ(picture(), "800x600 rel 1");
+    change([](BoxInControl& box) { box.is_user_ip = true; });
+    GetCurInip(0, ip);
+    EXPECT_STREQ(ip, "0.0.0.0");
+    EXPECT_TRUE(boxInControl().is_user_ip) << "a cell without an input leaves it";
+    EXPECT_EQ(picture(), "1920x1080 rel 0");
     listAsUserBox("10.0.0.9");
     listAsUserBox("10.0.1.1");
-    EXPECT_EQ(printedBy([&] { events.GetCurInip(0x10001, ip); }),
+    EXPECT_EQ(printedBy([&] { GetCurInip(0x10001, ip); }),
               names + "this is user ip :10.0.1.1\n" + known);
-    EXPECT_EQ(XRIGHT * 10000 + YDOWN, 19201080) << "a user-list box has a fixed size";
+    EXPECT_EQ(picture(), "1920x1080 rel 1") << "a user-list box has a fixed size";
     user_n = 1;
-    events.GetCurInip(0x10001, ip);
-    EXPECT_EQ(is_user_ip, 0);
+    GetCurInip(0x10001, ip);
+    EXPECT_FALSE(boxInControl().is_user_ip);
 }
 
 TEST_F(CurrentScreen, ACellOrScreenThatIsNotThereIsEnteredAllTheSame) {
-    outInfo_.set({});
-    rel_enable = 1;
     buildWall({"0,0,10.0.0.1#1,0,10.0.1.1#0,1,10.0.1.2", "1,0,10.0.0.2"}, "10.0.0.1");
+    change([](BoxInControl& box) { box.rel_enable = true; });
     placeCell(0, 1);
     placePointer(700, 400);
-    EXPECT_EQ(printedBy([this] { EXPECT_EQ(events.slideScreenRight(), 1U); }),
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(cross(console, Direction::kRight), 1U); }),
               "------right input------\nnot find curIp\nerror can not get input ip\n");
     EXPECT_EQ(place(), "screen 0,0 cell 1,1 pointer 0,400");
-    EXPECT_EQ(curIp.copy().view(), "");
-    EXPECT_EQ(rel_enable, 0);
-    EXPECT_EQ(curOutIp.copy().view(), "127.0.0.1");
+    EXPECT_EQ(picture(), "1920x1080 rel 0");
+    EXPECT_EQ(boxInControl().curIp, AddressText{});
+    EXPECT_EQ(boxInControl().curOutIp.view(), "127.0.0.1");
     placeCell(1, 0);
     osdIpMapSet("10.0.0.2", "in", nullptr);
-    EXPECT_EQ(printedBy([this] { EXPECT_EQ(events.slideScreenRight(), 1U); }),
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(cross(console, Direction::kRight), 1U); }),
               "------right output------\ncurrent out location(0,0) out key 65536\n"
               "input 0,x:0x1,y:0x0,int x:0, y:0\nstart cp\nend cp\n"
               "start inkey:0\nnot find curIp\nnot get new inIp\n");
@@ -85,35 +98,43 @@ TEST_F(CurrentScreen, ACellOrScreenThatIsNotThereIsEnteredAllTheSame) {
 }
 
 TEST_F(CurrentScreen, EdgesAreThoseOfThePictureAndTheScreensOsdIsToldTheCell) {
-    Box osd{ownAddress(), wire::kOsdCommandPort};
+    Receiver osd{ownAddress(), wire::kOsdCommandPort};
     KvmSetSocket = &toBoxes;
     qtFlag = 0;
-    XRIGHT = 1280;
-    YDOWN = 720;
-    outInfo_.set({});
     buildWall({"0,0," + osd.ip + "#1,1,0.0.0.0", "1,0," + osd.ip}, osd.ip);
+    change([](BoxInControl& box) { box.XRIGHT = 1280, box.YDOWN = 720; });
     placeCell(1, 1);
     placePointer(1281, 300);
-    events.slideScreenRight();
+    cross(console, Direction::kRight);
     EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 0,661");  // 300 / 2 + 511
     EXPECT_EQ(currentInfo.copy().screen.single, 1);
     EXPECT_EQ(osd.text(), "TO:" + osd.ip + ",0,0");
-    EXPECT_EQ(events.slideScreenRight() + 10 * events.slideScreenDown(), 10U);
+    EXPECT_EQ(cross(console, Direction::kRight) + 10 * cross(console, Direction::kDown), 10U);
     EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 1280,720");
+    crossByArrow(console, Direction::kUp);
+    EXPECT_EQ(place(), "screen 1,0 cell 0,0 pointer 1280,620") << "inside, at the border too";
     EXPECT_EQ(osd.text(), "nothing") << "at the border of the wall";
-    events.slideScreenLeft();
-    EXPECT_EQ(place(), "screen 0,0 cell 1,1 pointer 1280,418");  // (720 - 511) * 2
+    placePointer(0, 720);
+    crossByArrow(console, Direction::kLeft);
+    EXPECT_EQ(place(), "screen 0,0 cell 1,1 pointer 1180,418");  // (720 - 511) * 2
     EXPECT_EQ(osd.text(), "TO:" + osd.ip + ",1,1");
+    for (const auto& [to, where] : {std::pair{Direction::kDown, "1180,100"},
+                                    {Direction::kRight, "100,"},
+                                    {Direction::kLeft, "1180,"}}) {
+        crossByArrow(console, to);
+        EXPECT_NE(place().find(std::string("pointer ") + where), std::string::npos) << place();
+    }
 }
 
-TEST_F(CurrentScreen, OffsetOfANameIsKeptUnlessItIsNone) {
-    const std::pair<const char*, int> rows[] = {
-        {"10.0.0.1-8000", 8000}, {"10.0.0.1", 5},   {"10.0.0.1-2-3", 2}, {"10.0.0.1-65535", 65535},
-        {"10.0.0.1-65536", 0},   {"10.0.0.1-x", 0}, {"10.0.0.1--1", 0}};
-    for (const auto& [name, offset] : rows) {
-        port_add = 5;
-        get_in_port(name);
-        EXPECT_EQ(port_add, offset) << name;
+TEST_F(CurrentScreen, OffsetOfANameIsItsNumberOrNone) {
+    const std::tuple<const char*, int, bool> rows[] = {
+        {"10.0.0.1-8000", 8000, true},   {"10.0.0.1", 0, true},        {"10.0.0.1-2-3", 2, true},
+        {"10.0.0.1-65535", 65535, true}, {"10.0.0.1-65536", 0, false}, {"10.0.0.1-x", 0, false},
+        {"10.0.0.1--1", 0, false}};
+    for (const auto& [name, offset, usable] : rows) {
+        const std::string line = "no port offset in " + std::string(name) + "\n";
+        EXPECT_EQ(printedBy([&, of = name, is = offset] { EXPECT_EQ(get_in_port(of), is); }),
+                  usable ? "" : line);
     }
 }
 

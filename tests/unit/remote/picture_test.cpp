@@ -1,8 +1,12 @@
-#include <functional>
-#include <thread>
+#include "remote/picture.h"
 
-#include "remote/source_query.h"
-#include "unit/remote/board.h"
+#include <map>
+#include <vector>
+
+#include "remote/box_reply.h"
+#include "remote/selection.h"
+#include "unit/remote/between.h"
+#include "unit/remote/remote_state.h"
 
 namespace {
 
@@ -36,7 +40,9 @@ TEST(BoxReply, RecordIsChosenByTheLastOctet) {
     }
 }
 
-class Query : public Board {
+constexpr const char* kLink = "6c 69 6e 6b";
+
+class Query : public RemoteState {
  protected:
     Query() {
         control(box);
@@ -44,35 +50,35 @@ class Query : public Board {
         byTime.CreateUDPServer(0, 1, true, true);
         InputViSocket = &byTime;
     }
+    ~Query() override { beforeSend = nullptr; }
 
-    /// What `query` of `target` prints when `from` answers with `reply`. The console waits only 20
-    /// ms, so a late answer means another try.
-    std::string asked(const std::function<void()>& query, const std::string& reply, Box& from,
-                      Box& target) {
-        std::string printed;
-        for (int i = 0; i < 100 && printed.find(" ip") == std::string::npos; ++i) {
-            reports = requests = "";
-            std::jthread answering([&](const std::stop_token& done) {
-                for (bool last = false; !last;) {
-                    last = done.stop_requested();
-                    for (std::string got; (got = target.text()) != "nothing";) {
-                        (got == "link" ? requests : reports) += got == "link" ? got : hex(got);
-                        if (got == "link") {
-                            from.answer(reply, target);
-                        }
-                    }
-                    std::this_thread::yield();
-                }
-            });
-            printed = printedBy(query);
-        }
+    /// Gives control to a box of which nothing is known.
+    static void begin(const Receiver& receiver) {
+        control(receiver);
+        change([](BoxInControl& now) {
+            now.rel_enable = false;
+            now.XRIGHT = kDefaultWidth, now.YDOWN = kDefaultHeight;
+        });
+    }
+    /// What `query` prints when `from` answers with `reply`, and what happens `meanwhile`.
+    std::string asked(
+        void (*query)(), const std::string& reply, const Receiver& from,
+        const std::function<void()>& meanwhile = [] {}) const {
+        beforeSend = [&](int fd, std::string_view sent) {
+            if (sent == "link") {
+                from.answer(reply, portOf(fd));
+                meanwhile();
+            }
+        };
+        std::string printed = printedBy(query);
+        beforeSend = nullptr;
         return printed;
     }
-    std::string onSelection(const std::string& reply) {
-        return asked([this] { events.getChipVersion(); }, reply, box, box);
+    std::string onSelection(const std::string& reply) const {
+        return asked(getChipVersion, reply, box);
     }
-    std::string periodic(const std::string& reply) {
-        return asked([this] { events.TimegetChipVersion(); }, reply, box, box);
+    std::string periodic(const std::string& reply) const {
+        return asked(TimegetChipVersion, reply, box);
     }
     std::string echo(const std::string& reply) const {
         return "socket read emput\nget ip:127.0.0.31 port:" + std::to_string(box.port) +
@@ -83,15 +89,9 @@ class Query : public Board {
         return std::string(info.address.view()) + " " + std::to_string(info.width) + "x" +
                std::to_string(info.height) + " rel " + std::to_string(info.relative);
     }
-    static std::string picture() {
-        const std::string size = std::to_string(XRIGHT) + "x" + std::to_string(YDOWN);
-        return size + " rel " + std::to_string(rel_enable);
-    }
 
-    Box box{"127.0.0.31"};
+    Receiver box{"127.0.0.31"};
     UDPSocket byTime;
-    std::string requests;  ///< of the last try
-    std::string reports;   ///< likewise
 };
 
 TEST_F(Query, OnSelectionTakesTheWholeAnswer) {
@@ -101,12 +101,12 @@ TEST_F(Query, OnSelectionTakesTheWholeAnswer) {
                                       "xpre=0.666667\nypre=0.666667\n"
                                       "save vi 127.0.0.31 (1280,720)\nthis input chip relation\n"
                                       "save 127.0.0.31 vi rel :1\nend get input info\n");
-    EXPECT_EQ(requests, "link");
-    EXPECT_EQ(reports, "57 ab 04 01 00 85 02 6d 01 00") << "the last one in absolute form";
+    EXPECT_EQ(box.all(), kLink + std::string(" | 57 ab 04 01 00 85 02 6d 01 00"))
+        << "the last one in absolute form";
     EXPECT_EQ(place(), "screen 0,0 cell 0,0 pointer 645,365");
     EXPECT_EQ(record(31), "127.0.0.31 1280x720 rel 1");
     onSelection(reply);
-    EXPECT_EQ(reports, "") << "the mode is known";
+    EXPECT_EQ(box.all(), kLink) << "the mode is known";
     EXPECT_EQ(onSelection("vi_w=1280&vi_h=720&kvm=abs"),
               echo("vi_w=1280&vi_h=720&kvm=abs") +
                   "get vi w=1280,h=720 and cur x:645 y:365\nsave vi 127.0.0.31 (1280,720)\n"
@@ -119,26 +119,34 @@ TEST_F(Query, OnSelectionTakesTheWholeAnswer) {
     EXPECT_EQ(picture(), "800x0 rel 0") << "without a height it is 0";
 }
 
-TEST_F(Query, ForeignAndUselessAnswersChangeNothing) {
-    Box other{"127.0.0.32"};
-    const auto byOther = [&](const std::function<void()>& query) {
-        return asked(query, "vi_w=640&vi_h=480&kvm=rel", other, box);
-    };
-    EXPECT_EQ(byOther([this] { events.getChipVersion(); }),
+TEST_F(Query, ForeignStaleAndUselessAnswersChangeNothing) {
+    Receiver other{"127.0.0.32"};
+    const std::string whole = "vi_w=640&vi_h=480&kvm=rel";
+    EXPECT_EQ(asked(getChipVersion, whole, other),
               "socket read emput\nnow input ip 127.0.0.31 port " + std::to_string(box.port) +
                   " get error Ip 127.0.0.32 port " + std::to_string(other.port) + "\n");
-    EXPECT_EQ(byOther([this] { events.TimegetChipVersion(); }),
+    EXPECT_EQ(asked(TimegetChipVersion, whole, other),
               "socket read emput\nnow input ip 127.0.0.31 get error Ip 127.0.0.32\n");
     onSelection("vi_h=480&kvm=rel");
     periodic("vi_h=480&kvm=rel");
     onSelection("vi_w=0&vi_h=480");
     periodic("vi_w=-3&vi_h=480");
-    EXPECT_EQ(printedBy([this] { events.getChipVersion(); }),
-              "socket read emput\nend get input info\n")
+    const auto away = [&] { control(other); };
+    EXPECT_EQ(asked(getChipVersion, whole, box, away), echo(whole) + "end get input info\n");
+    control(box);
+    EXPECT_EQ(asked(TimegetChipVersion, whole, box, away), echo(whole));
+    control(box);
+    const auto awayAndBack = [&] { control(other), control(box); };
+    EXPECT_EQ(asked(TimegetChipVersion, whole, box, awayAndBack), echo(whole));
+    control(box);
+    EXPECT_EQ(asked(getChipVersion, "vi_w=0&vi_h=0&kvm=rel", box, away),
+              echo("vi_w=0&vi_h=0&kvm=rel") + "end get input info\n");
+    EXPECT_EQ(other.all(), "");
+    EXPECT_EQ(printedBy(getChipVersion), "socket read emput\nend get input info\n")
         << "nobody answers";
-    EXPECT_EQ(printedBy([this] { events.TimegetChipVersion(); }), "socket read emput\n");
-    curIp.set(AddressText{AddressText::kNone});
-    events.getChipVersion();
+    EXPECT_EQ(printedBy(TimegetChipVersion), "socket read emput\n");
+    stopControl();
+    printedBy(getChipVersion);
     EXPECT_EQ(picture(), "1920x1080 rel 0");
     EXPECT_EQ(record(31), " 0x0 rel 0");
     EXPECT_EQ(place(), "screen 0,0 cell 0,0 pointer 960,540");
@@ -150,26 +158,87 @@ TEST_F(Query, PeriodicOneWritesOnlyWhatChanged) {
         periodic(reply),
         echo(reply) + "xpre=0.500000\nypre=1.000000\nget vi w=960,h=1080 and cur x:480 y:540\n");
     EXPECT_EQ(periodic(reply), echo(reply));
+    box.all();
     EXPECT_TRUE(periodic("vi_w=960&kvm=rel")
                     .ends_with("this input chip relation\nget 127.0.0.31 vi rel :1\n"));
-    EXPECT_EQ(reports, "57 ab 04 01 00 e5 01 21 02 00");
+    EXPECT_EQ(box.all(), kLink + std::string(" | 57 ab 04 01 00 e5 01 21 02 00"));
     EXPECT_EQ(record(31), "127.0.0.31 960x1080 rel 1");
-    XRIGHT = 1280;
-    YDOWN = 720;
+    change([](BoxInControl& now) { now.XRIGHT = 1280, now.YDOWN = 720; });
     EXPECT_EQ(periodic("vi_w=12800"),
               echo("vi_w=12800") + "get vi w=1280,h=720 and cur x:485 y:545\n")
         << "a long value resets nothing, a missing height is the old one";
-    is_user_ip = 1;
-    EXPECT_EQ(printedBy([this] { events.TimegetChipVersion(); }), "");
+    change([](BoxInControl& now) { now.is_user_ip = true; });
+    EXPECT_EQ(printedBy(TimegetChipVersion), "");
     EXPECT_EQ(picture(), "1280x720 rel 1");
 }
 
-TEST_F(Query, BoxWithoutARecordOfItsOwnUsesRecordZero) {
-    Box last{"127.0.0.255"};
+TEST_F(Query, AnAnswerChangesOnlyItsOwnBoxesRecord) {
+    const ViInfo others{0, AddressText{"10.0.0.31"}, 640, 480};
+    for (const auto query : {getChipVersion, TimegetChipVersion}) {
+        vi_info.with([&](auto& records) { records[31] = others; });
+        asked(query, "vi_w=0&vi_h=0&kvm=rel", box);
+        EXPECT_EQ(record(31), "10.0.0.31 640x480 rel 0") << "a size that no picture has";
+        asked(query, "vi_w=800&vi_h=600&kvm=rel", box);
+        EXPECT_EQ(record(31), "127.0.0.31 800x600 rel 1");
+    }
+    Receiver last{"127.0.0.255"};
     control(last);
-    asked([this] { events.getChipVersion(); }, "vi_w=640&vi_h=480&kvm=rel", last, last);
-    EXPECT_EQ(record(0), " 0x0 rel 1");
+    asked(getChipVersion, "vi_w=640&vi_h=480&kvm=rel", last);
+    EXPECT_EQ(record(0), " 0x0 rel 1") << "without a record of its own";
     EXPECT_EQ(picture(), "640x480 rel 1");
+}
+
+/// At every step of a query: what the box answers is nothing to the one that has got control.
+TEST_F(Query, AnAnswerIsNothingToTheNextBox) {
+    Receiver next{"127.0.0.32"};
+    int steps = 0;
+    for (const auto query : {getChipVersion, TimegetChipVersion}) {
+        for (int moment = 0;; ++moment, ++steps) {
+            begin(box);
+            const auto ask = [&] { asked(query, "vi_w=640&vi_h=480&kvm=rel", box); };
+            if (!interrupted(moment, ask, [&] { begin(next); })) {
+                break;
+            }
+            EXPECT_EQ(picture(), "1920x1080 rel 0") << "step " << moment;
+            EXPECT_EQ(next.all().find("57 ab"), std::string::npos) << "at most asked";
+        }
+    }
+    EXPECT_GT(steps, 15);
+}
+
+/// Two threads' answers to one question, the one in between at every step of the other.
+TEST_F(Query, TwoAnswersTogetherCountOnce) {
+    beforeSend = [&](int fd, std::string_view sent) {
+        if (sent == "link") {
+            box.answer("vi_w=960&vi_h=540&kvm=rel", portOf(fd));
+        }
+    };
+    const auto outcome = [&] {
+        const std::string all = box.all();
+        const std::size_t report = all.find("57 ab");
+        const bool one = report != all.npos && all.find("57 ab", report + 1) == all.npos;
+        return place().substr(place().find("pointer")) + ", " + picture() + ", known " +
+               record(31) + (one ? "" : ", reports " + all);
+    };
+    std::map<std::string, std::vector<int>> outcomes;
+    printedBy([&] {
+        for (const auto& [first, second] : {std::pair{&getChipVersion, &TimegetChipVersion},
+                                            {&TimegetChipVersion, &getChipVersion}}) {
+            bool more = true;
+            for (int moment = 0; more; ++moment) {
+                begin(box);
+                placePointer(960, 540);
+                vi_info.set({});
+                box.all();
+                more = interrupted(moment, first, second);
+                outcomes[outcome()].push_back(moment);
+            }
+        }
+    });
+    EXPECT_EQ(outcomes.size(), 1U) << testing::PrintToString(outcomes);
+    EXPECT_EQ(outcomes.begin()->first,
+              "pointer 485,275, 960x540 rel 1, known 127.0.0.31 960x540 rel 1");
+    EXPECT_GT(outcomes.begin()->second.size(), 20U) << "there are steps";
 }
 
 }  // namespace

@@ -4,11 +4,12 @@
 #include "base/singleton.h"
 #include "config/software_config.h"
 #include "remote/map_text.h"
-#include "unit/remote/board.h"
+#include "remote/wall_edit.h"
+#include "unit/remote/remote_state.h"
 
 namespace {
 
-class WallMap : public Board {
+class WallMap : public RemoteState {
  protected:
     WallMap() {
         config->SetConfig(kOutNumIndex, 0);
@@ -78,17 +79,23 @@ TEST_F(WallMap, LineBecomesAScreenAndItsCells) {
     // Ports are not written back, cells come column by column.
     const std::string before = "2x1 | 1,0,10.0.0.1#0,0,0.0.0.0#0,1,10.0.1.2#2,1,10.0.1.1-8 3x2";
     EXPECT_EQ(wall(), before);
-    EXPECT_EQ(inputPort, 80) << "the entry parsed last decides";
+    EXPECT_EQ(boxInControl().inputPort, 80) << "the entry parsed last decides";
     CreatOutIpMap("1,0,10.9.9.9#0,0,10.9.9.8#0,1,10.9.9.7");
     EXPECT_EQ(wall(), before) << "what is there stays";
     int x = 0;
     int y = 0;
     std::string name;
-    for (const auto& [port, expected] :
+    std::int32_t port = 0;
+    for (const auto& [given, expected] :
          {std::pair{"1", 1}, {"65535", 65535}, {"0", 80}, {"65536", 80}, {"x", 80}}) {
-        EXPECT_EQ(spltLocationIp(std::string("0,0,a,") + port, &x, &y, &name), 1);
-        EXPECT_EQ(inputPort, expected) << port;
+        EXPECT_EQ(spltLocationIp(std::string("3,4,a,") + given, &x, &y, &name, &port), 1);
+        EXPECT_EQ(std::tuple(x, y, name, port), std::tuple(3, 4, "a", expected)) << given;
     }
+    EXPECT_EQ(boxInControl().inputPort, 80) << "a parse alone sets nothing";
+    CreatOutIpMap("9,9,10.0.0.9#0,0,10.0.1.9,9001");
+    EXPECT_EQ(boxInControl().inputPort, 80) << "the fixed cell is an entry, too";
+    createMap("1,1,10.0.1.9,9001", false, 0x90009);
+    EXPECT_EQ(boxInControl().inputPort, 9001);
 }
 
 TEST_F(WallMap, UnusableEntriesAreRefusedWithOneLine) {
@@ -157,6 +164,8 @@ TEST_F(WallMap, InTextReplacesTheCellsOfOneScreen) {
     EXPECT_EQ(wall(), after);
     EXPECT_EQ(saved(), "2|" + first + "|1,0,10.0.2.2#0,1,10.0.1.3") << "saved all the same";
     EXPECT_EQ(key, 0x10000U);
+    EXPECT_TRUE(set("##0,0,10.0.1.9", "in", &key).starts_with("inkey-->0xffffffff\nipmap error\n"));
+    EXPECT_EQ(key, 0U) << "the empty name begins the first screen's";
 }
 
 TEST_F(WallMap, ShrinkingWallLeavesNoLineBehind) {

@@ -1,0 +1,76 @@
+#include "remote/lights.h"
+
+#include <cstdio>
+
+#include "base/clock.h"
+#include "base/led_bits.h"
+#include "remote/picture.h"
+#include "remote/send.h"
+#include "remote/wire.h"
+
+namespace {
+
+constexpr std::int64_t kLedSettleMicroseconds = 50'000;
+constexpr std::uint32_t kNumLockBit = 1U << 0;   // LED_NUML
+constexpr std::uint32_t kCapsLockBit = 1U << 1;  // LED_CAPSL
+
+void tellLights(bool capsLock, bool numLock) {
+    const std::string text = wire::lights(capsLock, numLock);
+    tellBox([&text](const BoxInControl& box) {
+        Message message;
+        message.add({box.curIp, box.port(), bytesOf(text)});
+        return message;
+    });
+}
+
+}  // namespace
+
+int syncLed(Lights& lights, bool send) {
+    const auto bits = lights.ledKeyFd.with([](const std::int32_t& fd) -> std::int64_t {
+        return fd >= 0 ? static_cast<std::int64_t>(readLedBits(fd)) : -1;
+    });
+    if (bits < 0) {
+        std::puts("not get act key or not input ip");
+        return 0;
+    }
+    const auto leds = static_cast<std::uint32_t>(bits);
+    std::printf("get buff:0x%x\n", leds);
+    const bool capsLock = (leds & kCapsLockBit) != 0;
+    const bool numLock = (leds & kNumLockBit) != 0;
+    lights.capsLockOn = static_cast<std::uint8_t>(capsLock);
+    lights.numLockOn = static_cast<std::uint8_t>(numLock);
+    if (send) {
+        tellLights(capsLock, numLock);
+    }
+    sleepMicroseconds(kLedSettleMicroseconds);
+    return 1;
+}
+
+void queryBox(Duties& duties) {
+    duties.queryInProgress = 0;
+    getChipVersion();
+    duties.queryInProgress = 1;
+}
+
+void bringBoxUpToDate(ConsoleState& state) {
+    const BoxInControl box = boxInControl();
+    if (box.isNone() || box.is_user_ip) {
+        return;
+    }
+    syncLed(state.lights, true);
+    queryBox(state.duties);
+}
+
+bool resyncIsDue(const ConsoleState& state, const BoxInControl& box) {
+    return state.duties.hotPlugFlag && state.modes.areOff() && !box.is_user_ip;
+}
+
+void resync(ConsoleState& state) {
+    state.duties.hotPlugFlag = 0;
+    const std::uint64_t serial = boxInControl().serial;
+    syncLed(state.lights, true);
+    queryBox(state.duties);
+    if (boxInControl().serial != serial) {
+        state.duties.hotPlugFlag = 1;
+    }
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "remote/console_state.h"
+
+/// Selecting the input box of a cell of the current screen: the listener's start, the edges, the
+/// arrows and the commands. Input and control threads.
+
+/// The in key of the current cell.
+unsigned currentInKey();
+
+/// Gives control to the box of cell `inKey` of the current screen, in one step: until then
+/// everything goes to the box before it. Its address goes to `ipOut` (20 bytes). Returns 1; 0 with
+/// one line when the screen has no such cell, then no box has control and `ipOut` is empty. Should
+/// another thread enter another cell meanwhile, that cell's box is taken.
+int GetCurInip(unsigned inKey, char* ipOut);
+
+/// The same for the current cell. False when it has no box.
+bool selectInputOfCell();
+
+/// The decimal number after the first "-" of a map name, 0 to 65535; 0 when there is none, with one
+/// line when it is no port offset. Any thread.
+int get_in_port(const char* name);
+
+/// A command puts control on screen `x`,`y` of the wall, cell 0,0, with the pointer at 100,100;
+/// lights and query of the new box are done inside. Returns 1, or 0 with one line when the wall has
+/// no such place; the box in control is let go of in both cases.
+int MouseTo(ConsoleState& state, int x, int y);

@@ -1,0 +1,50 @@
+#include "remote/told.h"
+
+#include <algorithm>
+
+Told::Ticket Told::note(const Datagram& sent) {
+    const wire::FormRow* form = wire::formOf(sent.content());
+    if (form == nullptr) {
+        return 0;
+    }
+    Memory& memory = forms_[form->index];
+    if (wire::isDown(*form, sent.content())) {
+        memory.down = sent;
+    } else if (memory.down && memory.down->goesWhere(sent)) {
+        memory.down.reset();
+        ++memory.letGo;
+    }
+    return memory.letGo;
+}
+
+bool Told::wasOvertaken(const Datagram& sent, Ticket ticket) const {
+    const wire::FormRow* form = wire::formOf(sent.content());
+    return form != nullptr && forms_[form->index].letGo != ticket;
+}
+
+std::vector<Datagram> Told::takeReleases() {
+    std::vector<Datagram> releases;
+    for (Memory& memory : forms_) {
+        if (memory.down) {
+            releases.push_back(*releaseOf(*memory.down));
+            memory.down.reset();
+            ++memory.letGo;
+        }
+    }
+    return releases;
+}
+
+bool Told::nothingIsDown() const {
+    return std::none_of(forms_.begin(), forms_.end(),
+                        [](const Memory& memory) { return memory.down.has_value(); });
+}
+
+std::optional<Datagram> releaseOf(const Datagram& sent) {
+    const wire::FormRow* form = wire::formOf(sent.content());
+    if (form == nullptr || !wire::isDown(*form, sent.content())) {
+        return std::nullopt;
+    }
+    Datagram release = sent;
+    wire::letGo(*form, std::span(release.bytes).first(release.size));
+    return release;
+}
