@@ -43,16 +43,24 @@ constexpr std::array kUnknownBoard = {
     Step{Action::kShell, 0, 0, "himm 0x120F02E0     0x1"}, Step{Action::kWait, 0, 200'000},
 };
 
-struct Board {
-    std::string_view name;
+struct KnownBoard {
+    std::string_view name;  ///< what its identifiers begin with
     std::span<const Step> steps;
 };
 
 constexpr std::array kBoards = {
-    Board{"BOARDA00001_0001_R1", kBoardA},
-    Board{"BOARDB0002_002_R1", {}},
-    Board{"BOARDC0003_003_R1", kBoardC},
+    KnownBoard{"BOARDA00001_0001_R1", kBoardA},
+    KnownBoard{"BOARDB0002_002_R1", {}},
+    KnownBoard{"BOARDC0003_003_R1", kBoardC},
 };
+
+/// Null when none of them has this identifier.
+const KnownBoard* findBoard(std::string_view identifier) {
+    const auto* const board = std::find_if(
+        kBoards.begin(), kBoards.end(),
+        [identifier](const KnownBoard& known) { return identifier.starts_with(known.name); });
+    return board != kBoards.end() ? board : nullptr;
+}
 
 void run(const Step& step, BoardAccess& access) {
     switch (step.action) {
@@ -109,9 +117,8 @@ int readHdVersion(char* out) {
         std::puts("no board identifier in hardware_info");
     }
     const std::string_view identifier = found.value_or("");
-    if (identifier.size() < kBoardNameSize) {
-        identifier.copy(out, identifier.size());
-        out[identifier.size()] = '\0';
+    if (identifier.size() < kBoardNameSize || findBoard(identifier) != nullptr) {
+        out[identifier.copy(out, kBoardNameSize - 1)] = '\0';
     } else {
         std::printf("board identifier of %zu characters is no known board\n", identifier.size());
     }
@@ -133,10 +140,8 @@ void RealBoardAccess::runShell(const char* command) { ::runShell(command); }
 void RealBoardAccess::wait(std::int64_t microseconds) { sleepMicroseconds(microseconds); }
 
 void bringUpBoard(std::string_view identifier, BoardAccess& access) {
-    const auto* const board = std::find_if(kBoards.begin(), kBoards.end(), [&](const Board& known) {
-        return identifier.starts_with(known.name);
-    });
-    const std::span<const Step> steps = board != kBoards.end() ? board->steps : kUnknownBoard;
+    const KnownBoard* const board = findBoard(identifier);
+    const std::span<const Step> steps = board != nullptr ? board->steps : kUnknownBoard;
     for (const Step& step : steps) {
         run(step, access);
     }

@@ -11,8 +11,9 @@
 inline constexpr std::size_t kBoardNameSize = 64;
 
 /// Fills `out` (kBoardNameSize zeroed bytes) with the board's identifier from
-/// /version/hardware_info; it stays empty for a file without one, or with one that does not fit.
-/// Returns 1, or 0 when the file cannot be opened or read.
+/// /version/hardware_info. One that does not fit is cut when a known board's begins it; otherwise
+/// `out` stays empty, as for a file without one. Returns 1, or 0 when the file cannot be opened or
+/// read.
 int readHdVersion(char* out);
 
 /// The identifier that the hardware information `text` gives; nothing without the key or the quote

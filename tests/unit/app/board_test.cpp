@@ -70,10 +70,13 @@ TEST(HardwareInfo, GivesTheTextBetweenKeyAndQuote) {
     EXPECT_EQ(read(), "0 \n");
     const std::string key = "\"board\": \"";
     const std::string longest(63, 'b'), none = "no board identifier in hardware_info\n";
+    const std::string longC = "BOARDC0003_003_R1" + std::string(46, '+');
     const std::tuple<std::string, std::string, std::string> rows[] = {
         {"{" + key + "BOARDB0002_002_R1\", " + key + "other\"}", "BOARDB0002_002_R1", ""},
         {key + longest + "\"", longest, ""},
         {key + longest + "b\"", "", "board identifier of 64 characters is no known board\n"},
+        {key + longC + "-2\"", longC, ""},
+        {key + "-" + longC + "\"", "", "board identifier of 64 characters is no known board\n"},
         {key + std::string(300, 'b') + "\"", "", none},
         {"\"board\":\"BOARDB0002_002_R1\"", "", none},
         {key + "BOARDB", "", none},
