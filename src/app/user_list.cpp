@@ -21,8 +21,6 @@ UserList parseUserList(std::string_view text) {
             inGroup = false;
         } else if (!AddressText::fits(line)) {
             list.tooLong.push_back(std::move(line));
-        } else if (list.addresses.size() == kUserListSlots) {
-            ++list.leftOut;
         } else {
             list.addresses.emplace_back(line);
         }
@@ -49,10 +47,6 @@ void loadUserList() {
     for (const std::string& address : list.tooLong) {
         std::printf("ip.txt: address of %zu characters left out: %s\n", address.size(),
                     address.c_str());
-    }
-    if (list.leftOut > 0) {
-        std::printf("ip.txt: %zu addresses left out, the list holds %zu\n", list.leftOut,
-                    kUserListSlots);
     }
     user_ip = std::move(list.addresses);
     user_n = static_cast<std::int32_t>(user_ip.size());

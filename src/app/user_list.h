@@ -8,15 +8,14 @@
 #include "base/address_text.h"
 
 /// The user address list ./ip.txt: lines ended by "\r\n"; between a line "IP{" and one that begins
-/// with "}" every line is one address, anything else is ignored.
+/// with "}" every line is one address, anything else is ignored. The file's size is what bounds
+/// the list.
 
 inline constexpr std::size_t kUserListBytes = 2048;
-inline constexpr std::size_t kUserListSlots = 128;
 
 struct UserList {
-    std::vector<AddressText> addresses;  ///< in file order, at most kUserListSlots
+    std::vector<AddressText> addresses;  ///< in file order
     std::vector<std::string> tooLong;    ///< those of AddressText::kSize characters or more
-    std::size_t leftOut = 0;             ///< how many found no slot
 };
 
 /// Reads the list's text; a group that is open at the end ends there. An empty line inside a group
