@@ -19,6 +19,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
+/// How long a node is waited for, from the writing or its last record on.
 constexpr milliseconds kEcho{80};
 /// A device that keeps talking has answered; the probe need not wait until it pauses.
 constexpr milliseconds kLongest{400};
@@ -31,52 +32,87 @@ bool usable(std::int32_t fd) { return fd >= 0 && fd < FD_SETSIZE; }
 struct Probe {
     const InputDeviceList& list;
     fd_set& readSet;
+    Clock::time_point end;  ///< of the whole probe
     std::array<bool, InputDeviceList::kSlots> answered{};
-    std::array<bool, InputDeviceList::kSlots> drained{};  ///< a read failed, nothing more will come
+    std::array<bool, InputDeviceList::kSlots> left{};  ///< no longer listened to
+    std::array<Clock::time_point, InputDeviceList::kSlots> waitEnds{};
 };
+
+bool isHeard(const Probe& probe, std::size_t slot) {
+    return usable(probe.list.fds[slot]) && !probe.left[slot];
+}
 
 /// Puts the nodes that are still listened to into the set; returns the highest descriptor + 1.
 int watch(Probe& probe) {
     int highest = 0;
     FD_ZERO(&probe.readSet);
     for (std::size_t i = 0; i < probe.list.count; ++i) {
-        const std::int32_t fd = probe.list.fds[i];
-        if (usable(fd) && !probe.drained[i]) {
-            FD_SET(fd, &probe.readSet);
-            highest = std::max(highest, fd + 1);
+        if (isHeard(probe, i)) {
+            FD_SET(probe.list.fds[i], &probe.readSet);
+            highest = std::max(highest, probe.list.fds[i] + 1);
         }
     }
     return highest;
 }
 
-void readReady(Probe& probe) {
+/// How long a select at `now` may take: until the first of the waits ends.
+timeval longestWait(const Probe& probe, Clock::time_point now) {
+    Clock::time_point first = probe.end;
     for (std::size_t i = 0; i < probe.list.count; ++i) {
-        const std::int32_t fd = probe.list.fds[i];
-        if (!usable(fd) || probe.drained[i] || !FD_ISSET(fd, &probe.readSet) || !hasInput(fd)) {
+        if (isHeard(probe, i)) {
+            first = std::min(first, probe.waitEnds[i]);
+        }
+    }
+    const auto wait = std::chrono::ceil<std::chrono::microseconds>(first - now);
+    return {0, static_cast<suseconds_t>(std::max<std::int64_t>(wait.count(), 0))};
+}
+
+/// Reads one record of the slot's node. A failed read means that nothing more will come.
+void readAnswer(Probe& probe, std::size_t slot) {
+    InputRecord record;
+    const bool whole = readRecord(probe.list.node(slot), record) == kRecordSize;
+    probe.answered[slot] = probe.answered[slot] || whole;
+    probe.left[slot] = !whole;
+    probe.waitEnds[slot] = Clock::now() + kEcho;
+}
+
+/// After a select that began at `asked`: a node that was silent then is left when its wait was over
+/// before the question, so a late look at the nodes loses no record that was in time.
+void readReady(Probe& probe, Clock::time_point asked) {
+    for (std::size_t i = 0; i < probe.list.count; ++i) {
+        if (!isHeard(probe, i)) {
             continue;
         }
-        InputRecord record;
-        const bool whole = readRecord(probe.list.node(i), record) == kRecordSize;
-        probe.answered[i] = probe.answered[i] || whole;
-        probe.drained[i] = !whole;
+        const std::int32_t fd = probe.list.fds[i];
+        if (FD_ISSET(fd, &probe.readSet) && hasInput(fd)) {
+            readAnswer(probe, i);
+        } else if (asked >= probe.waitEnds[i]) {
+            probe.left[i] = true;
+        }
     }
 }
 
-/// Listens to all nodes together until they have been silent for 80 ms, so that the probe takes as
-/// long for eight devices as for one.
+/// Listens to all nodes together, so that the probe takes as long for eight devices as for one. A
+/// node is left 80 ms after its own last record, however busy the others are.
 void collectEchoes(Probe& probe) {
-    const Clock::time_point end = Clock::now() + kLongest;
-    for (int highest = watch(probe); highest > 0 && Clock::now() < end; highest = watch(probe)) {
-        timeval wait{0, std::chrono::microseconds(kEcho).count()};
+    const Clock::time_point start = Clock::now();
+    probe.end = start + kLongest;
+    probe.waitEnds.fill(start + kEcho);
+    for (int highest = watch(probe); highest > 0; highest = watch(probe)) {
+        const Clock::time_point asked = Clock::now();
+        if (asked >= probe.end) {
+            return;
+        }
+        timeval wait = longestWait(probe, asked);
         int ready = 0;
         {
             const CancelWindow window;
             ready = select(highest, &probe.readSet, nullptr, nullptr, &wait);
         }
-        if (ready < 1) {
+        if (ready < 0) {
             return;
         }
-        readReady(probe);
+        readReady(probe, asked);
     }
 }
 
@@ -100,7 +136,7 @@ std::vector<DeviceName> answering(fd_set& readSet, const InputDeviceList& list,
     for (std::size_t i = 0; i < list.count; ++i) {
         writeEvents(list.node(i));
     }
-    Probe probe{list, readSet, {}, {}};
+    Probe probe{list, readSet, {}, {}, {}, {}};
     collectEchoes(probe);
     std::vector<DeviceName> real;
     for (std::size_t i = 0; i < list.count; ++i) {
