@@ -12,7 +12,12 @@ namespace {
 
 char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20; }
+/// Whether a line of the settings file gives `saved` back: no line end or NUL in it, and no
+/// carriage return at its end, which would count as a part of the line's end.
+bool fitsInALine(const std::string& saved) {
+    return saved.find_first_of(std::string_view("\0\n", 2)) == std::string::npos &&
+           !saved.ends_with('\r');
+}
 
 std::string_view combinationOf(const std::array<char, HotkeyTable::kEntrySize>& entry) {
     const std::string_view text = entry.data();
@@ -34,10 +39,6 @@ ParsedHotkeys parseHotkeys(const std::string& list, bool fromOsd) {
             parsed.problem = "over 159 entries";
             return parsed;
         }
-        if (std::any_of(entry.begin(), entry.end(), isControl)) {
-            parsed.problem = "control character in an entry";
-            return parsed;
-        }
         if (entry.size() >= HotkeyTable::kEntrySize) {
             parsed.problem = "entry over 63 characters";
             return parsed;
@@ -48,6 +49,9 @@ ParsedHotkeys parseHotkeys(const std::string& list, bool fromOsd) {
     }
     if (!fromOsd) {
         parsed.saved = list;
+    }
+    if (!fitsInALine(parsed.saved)) {
+        parsed.problem = "text that no line of the settings holds";
     }
     return parsed;
 }

@@ -10,7 +10,8 @@
 #include "base/guarded.h"
 
 /// The key combinations that belong to the OSD. An entry is a combination as a hotkey text spells
-/// it (LEFTCTRL+F1), perhaps followed by ":" and text that is only carried along.
+/// it (LEFTCTRL+F1), perhaps followed by ":" and text that is only carried along, whatever its
+/// characters are.
 
 struct HotkeyTable {
     static constexpr std::size_t kEntries = 159;
@@ -34,8 +35,9 @@ struct ParsedHotkeys {
 ParsedHotkeys parseHotkeys(const std::string& list, bool fromOsd);
 
 /// Turns `text` into upper case in place, replaces the table by it and saves it as a setting. A
-/// list that does not fit is refused whole with one line; table and setting then stay. Returns 1.
-/// Control thread, and main before any other thread exists.
+/// list that does not fit, or that a line of the settings cannot hold, is refused whole with one
+/// line; table and setting then stay. Returns 1. Control thread, and main before any other thread
+/// exists.
 std::uint32_t createHotKey(std::string& text, bool fromOsd);
 
 struct HotkeyMatch {

@@ -12,6 +12,14 @@ std::string repeated(const std::string& text, int times) {
     return times == 0 ? "" : text + repeated(text, times - 1);
 }
 
+/// The setting as the next start reads it.
+std::string readBack(const std::string& saved) {
+    std::vector<std::string> values(kSettingCount);
+    values[kHotkeyMapIndex] = saved;
+    const std::string text = settingsText(values);
+    return std::string(settingsIn(text)[kHotkeyMapIndex]);
+}
+
 std::string entriesOf(const HotkeyTable& table) {
     std::string all;
     for (std::size_t i = 0; i < table.count; ++i) {
@@ -28,6 +36,9 @@ TEST(Hotkeys, ListBecomesEntriesAndASavedForm) {
         {"##A:X##B#", true, "LEFTA:X LEFTB ", "LEFTA:X#LEFTB#"},
         {"#A##B", false, "A B ", "#A##B"},
         {"", true, "", ""},
+        {"A:x\ty\r#B:\x01\x7f\xff", true, "LEFTA:x\ty\r LEFTB:\x01\x7f\xff ",
+         "LEFTA:x\ty\r#LEFTB:\x01\x7f\xff#"},
+        {"A\r#", false, "A\r ", "A\r#"},
         {longest, true, "LEFT" + longest + " ", "LEFT" + longest + "#"},
     };
     for (const auto& [list, fromOsd, entries, saved] : rows) {
@@ -35,8 +46,14 @@ TEST(Hotkeys, ListBecomesEntriesAndASavedForm) {
         EXPECT_EQ(parsed.problem, "") << list;
         EXPECT_EQ(entriesOf(parsed.table), entries);
         EXPECT_EQ(parsed.saved, saved);
+        EXPECT_EQ(readBack(saved), saved);
     }
-    EXPECT_EQ(parseHotkeys("A#B\n", true).problem, "control character in an entry");
+    for (const auto& [list, fromOsd] : {std::pair{std::string("A#B:\n#"), true},
+                                        {std::string("A#\nB"), false},
+                                        {std::string("A#B:x\0y", 7), true},
+                                        {std::string("A#B\r"), false}}) {
+        EXPECT_EQ(parseHotkeys(list, fromOsd).problem, "text that no line of the settings holds");
+    }
     EXPECT_EQ(parseHotkeys(repeated("A#", 159), true).table.count, 159U);
     EXPECT_EQ(parseHotkeys(repeated("A#", 160), true).problem, "over 159 entries");
     EXPECT_EQ(parseHotkeys(longest + "A", true).problem, "entry over 63 characters");
