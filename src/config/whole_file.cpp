@@ -22,6 +22,7 @@
 #include <string_view>
 
 #include "base/descriptor.h"
+#include "base/file_start.h"
 
 namespace {
 
@@ -106,6 +107,9 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
         (!existing->regular || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)) {
         return false;
     }
+    if (holdsAlready(target, text, order)) {
+        return true;
+    }
     std::string temporary = target + std::string(kTemporary);
     Descriptor fd(mkostemp(temporary.data(), O_CLOEXEC));
     if (fd < 0) {
@@ -116,7 +120,8 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
         doneOrNotKnown(fchmod(fd, existing ? existing->permissions : mode_t{0644})) &&
         doneOrNotKnown(fsync(fd));
     const bool complete = fd.close() && written;
-    const Renamed renamed = complete ? renameOver(temporary, target, order) : Renamed::kFailed;
+    const Renamed renamed =
+        complete ? renameOver(temporary, target, text, order) : Renamed::kFailed;
     if (renamed != Renamed::kDone) {
         unlink(temporary.c_str());
     }
@@ -131,16 +136,32 @@ bool WholeFile::setAside(const std::string& kept) const {
     return std::rename(resolved(path_).c_str(), kept.c_str()) == 0;
 }
 
+/// The file itself is read: an edit within the grain of the time stamps would not be seen in them.
+bool WholeFile::holdsAlready(const std::string& target, const std::string& text,
+                             std::uint64_t order) {
+    const FileText file = readFileStart(target, text.size() + 1);
+    if (file.state != FileState::kRead || file.text != text) {
+        return false;
+    }
+    return newest_.with([&](Saved& newest) {
+        if (newest.text != text) {
+            return false;  // not ours, or another save came between
+        }
+        newest.order = std::max(newest.order, order);
+        return true;
+    });
+}
+
 WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std::string& target,
-                                         std::uint64_t order) {
-    return newest_.with([&](std::uint64_t& newest) {
-        if (order < newest) {
+                                         const std::string& text, std::uint64_t order) {
+    return newest_.with([&](Saved& newest) {
+        if (order < newest.order) {
             return Renamed::kOlder;
         }
         if (std::rename(temporary.c_str(), target.c_str()) != 0) {
             return directoryRefuses(errno) ? Renamed::kDirectoryRefuses : Renamed::kFailed;
         }
-        newest = order;
+        newest = {order, text};
         return Renamed::kDone;
     });
 }
@@ -148,16 +169,22 @@ WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std
 bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
                              std::uint64_t order) {
     const std::lock_guard hold(inPlace_);
-    if (order < newest_.copy()) {
+    if (order < newest_.with([](const Saved& newest) { return newest.order; })) {
         return true;
     }
     Descriptor fd(open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
     if (fd < 0) {
         return false;
     }
-    newest_.set(order);
+    newest_.set({order, {}});
     const bool written = writeAll(fd, text) && doneOrNotKnown(fsync(fd));
-    return fd.close() && written;
+    const bool complete = fd.close() && written;
+    newest_.with([&](Saved& newest) {
+        if (complete && newest.order == order) {
+            newest.text = text;
+        }
+    });
+    return complete;
 }
 
 void WholeFile::removeLeftovers() const {

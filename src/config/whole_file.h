@@ -13,9 +13,11 @@ class WholeFile {
     explicit WholeFile(std::string path) : path_(std::move(path)) {}
 
     /// Replaces the file's text. `order` is higher for a newer text: one older than what the file
-    /// already has is dropped, which counts as success. The permission bits of an existing file
-    /// stay, a new one gets 0644. Where the directory refuses a second file, the text is written in
-    /// place. Returns false, with the old text kept, when the file cannot be written. Any thread.
+    /// already has is dropped, which counts as success; nothing is written either while the file
+    /// still holds `text` as the last save of this object left it. The permission bits of an
+    /// existing file stay, a new one gets 0644. Where the directory refuses a second file, the text
+    /// is written in place. Returns false, with the old text kept, when the file cannot be written.
+    /// Any thread.
     bool replace(const std::string& text, std::uint64_t order);
 
     /// Moves the file, not a link that leads to it, to `kept`. Returns false when it cannot. Any thread.
@@ -27,11 +29,17 @@ class WholeFile {
  private:
     enum class Renamed : std::uint8_t { kDone, kOlder, kDirectoryRefuses, kFailed };
 
+    struct Saved {
+        std::uint64_t order = 0;
+        std::string text;  ///< on the disk; empty when its save failed on the way
+    };
+
+    bool holdsAlready(const std::string& target, const std::string& text, std::uint64_t order);
     Renamed renameOver(const std::string& temporary, const std::string& target,
-                       std::uint64_t order);
+                       const std::string& text, std::uint64_t order);
     bool writeInPlace(const std::string& target, const std::string& text, std::uint64_t order);
 
     const std::string path_;
-    Guarded<std::uint64_t> newest_{0};  ///< held for one comparison and one rename
-    std::mutex inPlace_;                ///< held for a whole write, only where renaming is refused
+    Guarded<Saved> newest_;  ///< held for comparisons and one rename
+    std::mutex inPlace_;     ///< held for a whole write, only where renaming is refused
 };

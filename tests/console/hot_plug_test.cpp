@@ -1,5 +1,6 @@
 #include <linux/input-event-codes.h>
 
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -115,14 +116,19 @@ TEST_F(HotPlug, AButtonHeldWhileItsMouseIsPulledIsLetGo) {
 TEST_F(HotPlug, AShortRecordRestartsTheListener) {
     start();
     daemon().skipLines();
+    const std::filesystem::path old = board().root() / "data/old.ini";
+    std::filesystem::create_hard_link(board().settingsFile(), old);
     {
         std::ofstream node(board().node(kKeyboard), std::ios::binary);
         node << "short";
     }
     ASSERT_TRUE(daemon().waitForLine("read key error or in osd pause 0 len 5", kRestart));
     ASSERT_TRUE(daemon().waitForLine("hot input event", kRestart));
+    ASSERT_TRUE(daemon().waitForLine("[SaveConfig]-110: save config succeed", kRestart));
     expectListening();
     takeLights();
+    EXPECT_TRUE(std::filesystem::equivalent(board().settingsFile(), old))
+        << "unchanged settings were written again";
     ASSERT_TRUE(board().key(kKeyboard, KEY_A, true));
     expectReport(kFirstBox, "key down A");
 }

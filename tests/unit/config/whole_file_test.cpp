@@ -88,6 +88,40 @@ TEST(WholeFile, FailsOnlyWhereTheTextIsNotSafe) {
     }
 }
 
+TEST(WholeFile, IsLeftAloneWhileItHoldsWhatWasWrittenLast) {
+    const Scratch scratch;
+    const std::string path = scratch.put("file", "same");
+    WholeFile file(path);
+    std::uint64_t order = 0;
+    /// Whether the save of `text` put another file in the old one's place.
+    const auto replaces = [&](const std::string& text) {
+        std::filesystem::remove(scratch.path("kept"));
+        std::error_code missing;
+        std::filesystem::create_hard_link(path, scratch.path("kept"), missing);
+        EXPECT_TRUE(file.replace(text, ++order));
+        EXPECT_EQ(scratch.get("file"), text);
+        return !std::filesystem::exists(scratch.path("kept")) ||
+               !std::filesystem::equivalent(path, scratch.path("kept"));
+    };
+    EXPECT_TRUE(replaces("same")) << "somebody else's text may not be on the disk yet";
+    EXPECT_FALSE(replaces("same"));
+    EXPECT_FALSE(replaces("same"));
+    EXPECT_TRUE(file.replace("older", order - 1)) << "a save that was overtaken";
+    EXPECT_EQ(scratch.get("file"), "same");
+    EXPECT_TRUE(replaces("next"));
+    EXPECT_TRUE(replaces("same"));
+    for (const char* other : {"SAME", "same and more", "sam", ""}) {
+        scratch.put("file", other);
+        EXPECT_TRUE(replaces("same")) << "over " << other;
+    }
+    std::filesystem::remove(path);
+    EXPECT_TRUE(replaces("same"));
+    chmod(path.c_str(), 0444);
+    chmod(scratch.path().c_str(), 0777);
+    const Unprivileged user;
+    EXPECT_FALSE(file.replace("same", ++order)) << "a file that refuses is told as ever";
+}
+
 TEST(WholeFile, IsWrittenInPlaceWhereTheDirectoryRefuses) {
     const Scratch scratch;
     const std::string path = scratch.put("file", "the old and longer text");
