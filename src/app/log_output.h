@@ -8,7 +8,7 @@
 /// reader goes on.
 
 struct LogSink {
-    int fd = -1;  ///< -1: every line is left out
+    int fd = -1;              ///< -1: every line is left out
     std::size_t leftOut = 0;  ///< bytes since the reader stood still; 0 while it reads
 };
 

@@ -8,8 +8,8 @@
 /// once.
 void startUp(inputevent_& events);
 
-/// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main thread,
-/// before any other thread exists.
+/// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main
+/// thread, before any other thread exists.
 void openControlSocket();
 
 /// The version that start-up prints.

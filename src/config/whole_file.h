@@ -20,7 +20,8 @@ class WholeFile {
     /// Any thread.
     bool replace(const std::string& text, std::uint64_t order);
 
-    /// Moves the file, not a link that leads to it, to `kept`. Returns false when it cannot. Any thread.
+    /// Moves the file, not a link that leads to it, to `kept`. Returns false when it cannot. Any
+    /// thread.
     bool setAside(const std::string& kept) const;
 
     /// Removes the temporary files that a power cut may have left beside the file. Any thread.

@@ -72,9 +72,11 @@ void takeMice(Devices& devices, const std::vector<HandlersLine>& lines) {
 
 void recognisePanel(Devices& devices, const DeviceListing& listing, bool restart,
                     bool& touchByName) {
-    if (listing.leftOut != 0 || listing.linesLeftOut != 0) {
-        std::printf("input device list too long, left out %zu bytes and %zu Handlers lines\n",
-                    listing.leftOut, listing.linesLeftOut);
+    if (listing.leftOut != 0) {
+        std::printf("input device list too long, left out %zu bytes\n", listing.leftOut);
+    }
+    for (const std::string& line : listing.linesLeftOut) {
+        std::printf("input device list too long, left out %s\n", line.c_str());
     }
     devices.keyDevices.count = 0;
     devices.mouseDevices.count = 0;

@@ -53,6 +53,10 @@ std::string panelNode(std::string_view listing, std::size_t at) {
     return std::string(listing.substr(at, kPanelNodeLength));
 }
 
+bool namesKeyboardOrMouse(std::string_view line) {
+    return line.find("kbd") != kNowhere || line.find("mouse") != kNowhere;
+}
+
 }  // namespace
 
 DeviceListing takeListing(const std::string& text) {
@@ -61,18 +65,19 @@ DeviceListing takeListing(const std::string& text) {
     listing.leftOut = text.size() - listing.full.size();
     std::istringstream lines(text);
     std::size_t taken = 0;
+    std::size_t bytes = 0;
     for (std::string line; std::getline(lines, line);) {
         if (line.find("Handlers") == std::string::npos) {
             continue;
         }
-        const bool fits =
-            taken < kHandlersLines && listing.handlers.size() + line.size() + 1 < kHandlersLimit;
-        if (fits && listing.linesLeftOut == 0) {
-            listing.handlers += line + '\n';
-            ++taken;
-        } else {
-            ++listing.linesLeftOut;
+        if (namesKeyboardOrMouse(line)) {
+            bytes += line.size() + 1;
+            if (++taken > kHandlersLines || bytes > kHandlersLimit) {
+                listing.linesLeftOut.push_back(line);
+                continue;
+            }
         }
+        listing.handlers += line + '\n';
     }
     return listing;
 }

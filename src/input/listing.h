@@ -9,19 +9,22 @@
 
 /// The kernel's input-device listing, read as text. All functions but loadDeviceListing are pure.
 
-inline constexpr std::size_t kListingLimit = 2048;
-inline constexpr std::size_t kHandlersLimit = 1024;
-inline constexpr std::size_t kHandlersLines = 16;
+/// A keyboard may bring three devices of some 500 bytes: eight of them, eight mice, the panels and
+/// a board's own devices fit.
+inline constexpr std::size_t kListingLimit = 32768;
+inline constexpr std::size_t kHandlersLimit = 4096;  ///< bytes of the lines that count
+inline constexpr std::size_t kHandlersLines = 64;    ///< how many may count
 
 /// The listing and its Handlers lines, each cut to what the supervisor takes.
 struct DeviceListing {
     std::string full;
     std::string handlers;     ///< each line with its line feed
     std::size_t leftOut = 0;  ///< bytes of the listing beyond the limit
-    std::size_t linesLeftOut = 0;
+    std::vector<std::string> linesLeftOut;
 };
 
-/// Cuts a listing's text to its limits: whole Handlers lines only.
+/// Cuts a listing's text to its limits: whole Handlers lines only, and only those that name a
+/// keyboard or a mouse count and can be left out: the first that does not fit and all behind it.
 DeviceListing takeListing(const std::string& text);
 
 /// Reads /proc/bus/input/devices; a file that cannot be read counts as empty. Supervisor thread.

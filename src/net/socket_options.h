@@ -1,7 +1,7 @@
 #pragma once
 
-/// Options of a socket's descriptor. A call that fails is reported on standard error with `problem`.
-/// Any thread.
+/// Options of a socket's descriptor. A call that fails is reported on standard error with
+/// `problem`. Any thread.
 
 /// The value, or -1.
 int getSocketOption(int fd, int level, int name, const char* problem);

@@ -21,15 +21,15 @@ struct Discovery : testing::Test {
     /// One pass over the listing as the supervisor makes it: "keyboards|mice|touch panels".
     std::string take(const std::string& text, bool restart = false) {
         const DeviceListing listing = takeListing(text);
-        printed = printedBy([&] { recognisePanel(devices, listing, restart, touchByName); });
-        printed += printedBy([&] { classifyLines(devices, listing, touchByName); });
-        return names(devices.keyDevices) + "|" + names(devices.mouseDevices) + "|" +
-               names(devices.touchDevices);
+        printed = printedBy([&] { recognisePanel(found, listing, restart, touchByName); });
+        printed += printedBy([&] { classifyLines(found, listing, touchByName); });
+        return names(found.keyDevices) + "|" + names(found.mouseDevices) + "|" +
+               names(found.touchDevices);
     }
     bool saidFirst(const std::string& line) const { return printed.starts_with(line); }
 
     DeviceCounts counts;
-    Devices devices{counts};
+    Devices found{counts};
     bool touchByName = false;
     std::string printed;
 };
@@ -53,18 +53,18 @@ TEST_F(Discovery, PanelsAreRecognisedByName) {
         for (const bool restart : {false, true}) {
             SCOPED_TRACE(std::string(row.name) + (restart ? ", restart" : ", first pass"));
             const std::string text = device("Mouse", "event3") + device(row.name, "mouse1 event4");
-            devices.panel.ilitekTouch = touchByName = false;
+            found.panel.ilitekTouch = touchByName = false;
             take(text, restart);
             const bool other = restart && !row.restartLine.empty();
             EXPECT_TRUE(saidFirst((other ? row.restartLine : row.line) + " event-->event4\n"))
                 << printed;
-            EXPECT_EQ(devices.panel.touchType, row.type);
-            EXPECT_EQ(devices.panel.touchMaxX, restart ? row.restartMaxX : row.maxX);
-            EXPECT_EQ(devices.panel.touchMaxY, restart ? row.restartMaxY : row.maxY);
-            EXPECT_EQ(devices.touchDevices.count, row.count);
-            EXPECT_STREQ(devices.touchDevices.name(0), "event4");
+            EXPECT_EQ(found.panel.touchType, row.type);
+            EXPECT_EQ(found.panel.touchMaxX, restart ? row.restartMaxX : row.maxX);
+            EXPECT_EQ(found.panel.touchMaxY, restart ? row.restartMaxY : row.maxY);
+            EXPECT_EQ(found.touchDevices.count, row.count);
+            EXPECT_STREQ(found.touchDevices.name(0), "event4");
             EXPECT_EQ(touchByName, row.byName);
-            EXPECT_EQ(devices.panel.ilitekTouch, row.type == 0 ? 1 : 0);
+            EXPECT_EQ(found.panel.ilitekTouch, row.type == 0);
             touchByName = true;
             take(text, restart);
             EXPECT_TRUE(touchByName) << "none of the five clears what an earlier pass found";
@@ -76,28 +76,28 @@ TEST_F(Discovery, WithoutAPanelTheFlagsAreClearedAndTheRangeStays) {
     const std::string panel = device("ILITEK ILITEK-TP", "mouse0 event2");
     take("V06.00.00.00\n" + panel);
     EXPECT_EQ(printed, "get new touch event-->event2\nthis is touch event\n");
-    EXPECT_EQ(devices.panel.touchFwV06, 0) << "looked for after the node";
+    EXPECT_FALSE(found.panel.touchFwV06) << "looked for after the node";
     take(panel + "S: V06.00.00.00\n");
     EXPECT_EQ(take(device("My ILITEK ILITEK-TP", "kbd event1"), true), "event1||");
     EXPECT_EQ(printed, "not get newTouch\nget key event-->event1\n");
-    EXPECT_EQ(devices.panel.ilitekTouch + touchByName, 0);
-    EXPECT_EQ(devices.panel.touchMaxX, 16384);
-    EXPECT_EQ(devices.panel.touchFwV06, 1) << "never forgotten";
+    EXPECT_FALSE(found.panel.ilitekTouch || touchByName);
+    EXPECT_EQ(found.panel.touchMaxX, 16384);
+    EXPECT_TRUE(found.panel.touchFwV06) << "never forgotten";
     take(device("Plain Keyboard", "kbd event1"));
     EXPECT_EQ(printed, "not Touch\nget key event-->event1\n");
 }
 
 TEST_F(Discovery, HandlersDecideWhatADeviceIs) {
-    for (const auto& [handlers, lists] : {std::pair{"sysrq kbd event0", "event0||"},
-                                          {"sysrq kbd leds event10", "event10||"},
-                                          {"mouse0 event11", "|event11|"},
-                                          {"mouse0 event1 js0", "||event1"},
-                                          {"js0 mouse0 event1", "|event1|"},
-                                          {"kbd mouse0 event1", "|event1|"},
-                                          {"mouse0 kbd event1", "event1|event1|"},
-                                          {"event3", "||"},
-                                          {"kbd", "||"}}) {
-        EXPECT_EQ(take(device("Something", handlers)), lists) << handlers;
+    for (const auto& [handlers, devices] : {std::pair{"sysrq kbd event0", "event0||"},
+                                            {"sysrq kbd leds event10", "event10||"},
+                                            {"mouse0 event11", "|event11|"},
+                                            {"mouse0 event1 js0", "||event1"},
+                                            {"js0 mouse0 event1", "|event1|"},
+                                            {"kbd mouse0 event1", "|event1|"},
+                                            {"mouse0 kbd event1", "event1|event1|"},
+                                            {"event3", "||"},
+                                            {"kbd", "||"}}) {
+        EXPECT_EQ(take(device("Something", handlers)), devices) << handlers;
     }
     // A panel's node is cut to six characters; then names are compared whole.
     EXPECT_EQ(take(device("Siliconworks", "mouse0 event12") + device("Mouse", "mouse1 event1")),
@@ -125,24 +125,66 @@ TEST_F(Discovery, WhatIsTooMuchIsLeftOutWithOneLine) {
     EXPECT_EQ(take(text), "event0 event1 event2 event3 event4 event5 event6 event7||");
     EXPECT_NE(printed.find("left out event8\n"), std::string::npos) << printed;
     EXPECT_NE(printed.find("left out event9\n"), std::string::npos) << printed;
-    EXPECT_EQ(take("N: Name=\"" + std::string(2048, 'x') + "\"\n" +
-                   device("Siliconworks", "mouse0 event2") + device("Board", "kbd event3")),
-              "event3|event2|")
-        << "the panel stands beyond the limit";
-    EXPECT_TRUE(saidFirst("input device list too long, left out ")) << printed;
+    text = "N: Name=\"" + std::string(kListingLimit, 'x') + "\"\n" +
+           device("Siliconworks", "mouse0 event2") + device("Board", "kbd event3");
+    EXPECT_EQ(take(text), "event3|event2|") << "the panel stands beyond the limit";
+    EXPECT_TRUE(saidFirst("input device list too long, left out " +
+                          std::to_string(text.size() - kListingLimit) + " bytes\nnot Touch\n"))
+        << printed;
     EXPECT_EQ(take(""), "||");
-    const std::size_t rows[][3] = {{16, 20, 16}, {17, 20, 16}, {16, 63, 15},
-                                   {16, 62, 16}, {1, 1023, 0}, {1, 1022, 1}};
+}
+
+TEST_F(Discovery, OnlyKeyboardsAndMiceCountTowardsTheLimits) {
+    const std::size_t rows[][3] = {{64, 20, 64}, {65, 20, 64}, {64, 62, 64}, {64, 63, 64},
+                                   {64, 64, 63}, {1, 4095, 1}, {1, 4096, 0}, {2, 2048, 1}};
     for (const auto& [lines, width, taken] : rows) {
-        std::string line = "H: Handlers=kbd", all;
-        line.resize(width, ' ');
-        for (std::size_t i = 0; i < lines; ++i) {
-            all += line + "\n";
+        for (const char* kind : {"H: Handlers=kbd", "H: Handlers=mouse0"}) {
+            std::string all, kept, named;
+            for (std::size_t i = 0; i < lines; ++i) {
+                std::string line = kind + std::string(" event") + std::to_string(i);
+                line.resize(width, ' ');
+                line += '\n';
+                const std::string jack = "H: Handlers=event" + std::to_string(100 + i) + " \n";
+                all += jack + line;
+                kept += jack + (i < taken ? line : "");
+                named += i < taken ? "" : "input device list too long, left out " + line;
+            }
+            EXPECT_EQ(takeListing(all).handlers, kept) << lines << " of " << width;
+            take(all);
+            EXPECT_TRUE(saidFirst(named + "not Touch\n")) << printed;
         }
-        const DeviceListing listing = takeListing(all);
-        EXPECT_EQ(listing.handlers, all.substr(0, taken * (width + 1)));
-        EXPECT_EQ(listing.linesLeftOut, lines - taken);
     }
+}
+
+/// A keyboard with its media and power keys, and what a kernel says of each.
+std::string keyboard(int event) {
+    std::string all;
+    for (const char* part : {"", " Consumer Control", " System Control"}) {
+        all += "I: Bus=0003 Vendor=046d Product=c31c Version=0110\n" +
+               device("A Maker's Keyboard" + std::string(part),
+                      "sysrq kbd leds event" + std::to_string(event++)) +
+               "U: Uniq=\nB: PROP=0\nB: EV=1f\nB: KEY=" + std::string(250, '7') +
+               "\nB: ABS=100000000\nB: MSC=10\n\n";
+    }
+    return all;
+}
+
+TEST_F(Discovery, AFullConsoleFits) {
+    std::string text;
+    for (int jack = 0; jack < 20; ++jack) {
+        text += device("HDA Intel Headphone", "event" + std::to_string(100 + jack));
+    }
+    for (int i = 0; i < 8; ++i) {
+        text += keyboard(200 + 3 * i) +
+                device("Mouse", "mouse" + std::to_string(i) + " event" + std::to_string(i));
+    }
+    text += device("ILITEK Multi-Touch-V5000", "mouse8 event8") +
+            device("ILITEK Multi-Touch-V5000", "mouse9 event9");
+    const DeviceListing listing = takeListing(text);
+    EXPECT_EQ(listing.leftOut + listing.linesLeftOut.size(), 0U) << text.size();
+    EXPECT_EQ(take(text),
+              "event200 event201 event202 event203 event204 event205 event206 event207|"
+              "event0 event1 event2 event3 event4 event5 event6 event7|event8 event9");
 }
 
 }  // namespace
