@@ -163,29 +163,6 @@ TEST_F(Handover, TheSameBoxAtTheSamePortGoesOn) {
     EXPECT_EQ(oldBox.all(), "");
 }
 
-TEST_F(Handover, ASenderThatWasOvertakenLetsGoItself) {
-    const std::string keyDown = hex(wire::keyboard(0, 0x04));
-    const std::tuple<const char*, std::function<void()>, bool> rows[] = {
-        {"another cell", [] { placeCell(1, 0), select(); }, true},
-        {"stop", [] { stopControl(); }, true},
-        {"another port", [] { setInputPort(81); }, true},
-        {"a release", [] { releaseKey(); }, true},
-        {"the same cell", [] { select(); }, false}};
-    for (const auto& [name, meanwhile, letsGo] : rows) {
-        SCOPED_TRACE(name);
-        begin();
-        holdUp(keyDown, [&, run = meanwhile] {
-            EXPECT_FALSE(nobodyIsSending());
-            run();
-        });
-        press(kKeyA);
-        beforeSend = nullptr;
-        EXPECT_EQ(oldBox.all(), letsGo ? joined({kKeysUp, keyDown, kKeysUp}) : keyDown);
-        EXPECT_EQ(newBox.all(), "");
-        EXPECT_TRUE(nobodyIsSending());
-    }
-}
-
 /// Each step of a sender or of a handover, and another handover in between: nothing stays down at a
 /// box that has lost control, no report goes to one box's address at the other's port, and whoever
 /// has control is the box of the current cell.
@@ -215,7 +192,9 @@ TEST_F(Handover, WhateverComesInBetweenNothingStaysDown) {
          [&] { enter(1), change([](BoxInControl& box) { box.rel_enable = true; }); }},
         {"there and back", [&] { enter(1), enter(0); }},
         {"MTO", [&] { MouseTo(console, 1, 0); }},
-        {"devices", [] { letGoOfEverything(); }}};
+        {"devices", [] { letGoOfEverything(); }},
+        {"port", [] { setInputPort(81); }},
+        {"release", [] { releaseKey(), releaseInput(nullptr); }}};
     beforeSend = [&](int fd, std::string_view sent) {
         if (sent == "link") {
             newBox.answer("no news", portOf(fd));
@@ -254,41 +233,22 @@ TEST_F(Handover, TheEndWaitsForTheSenderAndGivesControlToNobody) {
     const auto ends = [&] {
         std::promise<void> sending;
         holdUp(keyDown, [&] {
+            EXPECT_FALSE(nobodyIsSending());
             sending.set_value();
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         });
         std::jthread sender([&] { press(kKeyA); });
         sending.get_future().wait();
         endControl(60'000'000);
+        const bool waited = nobodyIsSending();
+        sender.join();
         control(newBox);
         press(kKeyA);
-        _exit(boxInControl().isNone() ? 0 : 1);
+        _exit(waited && boxInControl().isNone() ? 0 : 1);
     };
     EXPECT_EXIT(ends(), testing::ExitedWithCode(0), "");
     EXPECT_EQ(oldBox.all(), joined({kKeysUp, keyDown, kKeysUp}));
     EXPECT_EQ(newBox.all(), "");
-}
-
-TEST(Told, IsWhatEachEndpointHeardLastInEachForm) {
-    const Datagram down{AddressText{"10.0.0.1"}, 80, wire::keyboard(0, 0x04)};
-    const Datagram elsewhere{AddressText{"10.0.0.1"}, 81, wire::kKeyRelease};
-    const Datagram up{AddressText{"10.0.0.1"}, 80, wire::kKeyRelease};
-    Told told;
-    const Told::Ticket ticket = told.note(down);
-    EXPECT_EQ(told.note(elsewhere), ticket);
-    told.note({down.ip, 80, wire::kPointerRelease});
-    EXPECT_FALSE(told.wasOvertaken(down, ticket) || told.nothingIsDown())
-        << "another place, another form";
-    told.note(up);
-    EXPECT_TRUE(told.wasOvertaken(down, ticket) && told.nothingIsDown());
-    EXPECT_TRUE(told.takeReleases().empty());
-    const Told::Ticket second = told.note(down);
-    EXPECT_FALSE(told.wasOvertaken(down, second));
-    const auto releases = told.takeReleases();
-    ASSERT_EQ(releases.size(), 1U);
-    EXPECT_TRUE(releases[0].goesWhere(down));
-    EXPECT_TRUE(told.wasOvertaken(down, second) && told.nothingIsDown());
-    EXPECT_FALSE(releaseOf(up) || releaseOf({down.ip, 80, std::array<std::uint8_t, 2>{0x57, 1}}));
 }
 
 TEST_F(Handover, AResyncLeavesADutyThatCameMeanwhile) {
