@@ -65,8 +65,8 @@ void lookAgain(const Noted& sent) {
 }  // namespace
 
 bool BoxInControl::isSameBox(const BoxInControl& other) const {
-    return curIp == other.curIp && is_user_ip == other.is_user_ip && port_add == other.port_add &&
-           (is_user_ip || inputPort == other.inputPort);
+    return curIp == other.curIp && is_user_ip == other.is_user_ip && inputPort == other.inputPort &&
+           port_add == other.port_add;
 }
 
 Datagram::Datagram(const AddressText& to, std::int32_t at, std::span<const std::uint8_t> content)

@@ -38,7 +38,8 @@ struct BoxInControl {
     bool isNone() const { return curIp.isNone(); }
     std::int32_t port() const { return inputPort + port_add; }
 
-    /// True when reports to both go to the same place in the same form.
+    /// True when reports to both go to the same address and ports; a user-list box gets some at its
+    /// own port and some (a panel's) at inputPort.
     bool isSameBox(const BoxInControl& other) const;
 };
 

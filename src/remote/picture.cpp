@@ -166,15 +166,15 @@ struct ModeChange {
     bool now = false;
 };
 
-/// Stores the pointer mode of the box in its record, in one step with what it is. A record that is
-/// another box's stays its own, unless the answer's size has just taken it over.
-ModeChange rememberMode(const BoxAnswer& answer, bool tookRecord) {
+/// Stores the pointer mode of the box in its record, in one step with what it is. An answer without
+/// a usable size leaves a record that is another box's alone.
+ModeChange rememberMode(const BoxAnswer& answer, bool hadSize) {
     const unsigned n = GetViNum(answer.box().c_str());
     const auto remembered = whileInControl(answer, [&](BoxInControl& box, currentCtl&) {
         const bool mode = box.rel_enable || box.relativeNext;
         ModeChange change{mode, mode};
         vi_info.with([&](auto& records) {
-            if (n == 0 || tookRecord || records[n].address == answer.box()) {
+            if (n == 0 || hadSize || records[n].address == answer.box()) {
                 change.before = std::exchange(records[n].relative, mode ? 1 : 0) != 0;
             }
             return 0;

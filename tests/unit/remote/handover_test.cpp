@@ -88,7 +88,6 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
         std::function<void()> take;
         bool releasesFirst = false;  ///< with releaseInput, which counts
         bool toNewBox = false;
-        bool keepsUserForms = false;
     };
     const Taker takers[] = {
         {"edge", [&] { cross(console, Direction::kRight); }, true, true},
@@ -97,7 +96,7 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
         {"a cell selected", [] { placeCell(1, 0), selectInputOfCell(); }, false, true},
         {"a cell that is not there", [] { placeCell(7, 7), selectInputOfCell(); }},
         {"stop", [] { stopControl(); }},
-        {"another port", [] { setInputPort(81); }, false, false, true},
+        {"another port", [] { setInputPort(81); }},
         {"the loss of devices", [] { letGoOfEverything(); }}};
     for (const Taker& taker : takers) {
         for (const Form& form : kForms) {
@@ -113,14 +112,12 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
                 const bool counted = form.user ? expected == kUserKeysUp : form.relative == false;
                 expected = joined({form.user ? kUserKeysUp : joined({kParked, kKeysUp}),
                                    counted ? "" : form.release});
-            } else if (taker.keepsUserForms && form.user) {
-                expected = "";
             }
             EXPECT_EQ(box.all(), expected);
             EXPECT_EQ(newBox.all(), taker.releasesFirst ? kLink : "");
             EXPECT_EQ(boxInControl().curIp == AddressText{newBox.ip}, taker.toNewBox);
             stopControl();
-            EXPECT_EQ(box.all(), taker.keepsUserForms && form.user ? form.release : "") << "once";
+            EXPECT_EQ(box.all(), "") << "once";
             EXPECT_EQ(newBox.all(), "");
         }
     }
