@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <system_error>
 
@@ -86,13 +87,20 @@ bool Box::answerLate(std::string_view text) const {
     return askedPort_ >= 0 && sendFrom(askedPort_, asker_, text);
 }
 
-std::optional<Report> Box::next(Milliseconds limit) {
+std::optional<Report> Box::next(Milliseconds limit, std::uint16_t port) {
     std::unique_lock hold(guard_);
-    if (!changed_.wait_for(hold, limit, [this] { return !reports_.empty(); })) {
+    auto oldest = reports_.end();
+    changed_.wait_for(hold, limit, [&] {
+        oldest = std::find_if(reports_.begin(), reports_.end(), [port](const Report& report) {
+            return port == 0 || report.at.port == port;
+        });
+        return oldest != reports_.end();
+    });
+    if (oldest == reports_.end()) {
         return std::nullopt;
     }
-    Report report = std::move(reports_.front());
-    reports_.pop_front();
+    Report report = std::move(*oldest);
+    reports_.erase(oldest);
     return report;
 }
 

@@ -51,8 +51,9 @@ class Box {
     /// Answers whoever asked last, at once. False when nobody asked yet.
     bool answerLate(std::string_view text) const;
 
-    /// Takes the oldest report that was not taken yet, waiting at most `limit` for one.
-    std::optional<Report> next(Milliseconds limit);
+    /// Takes the oldest report that was not taken yet, at `port` (0: at any), waiting at most
+    /// `limit` for one. What comes to two ports at once is in no order.
+    std::optional<Report> next(Milliseconds limit, std::uint16_t port = 0);
 
     /// The reports not taken yet, oldest first; they stay.
     std::vector<Report> pending() const;
