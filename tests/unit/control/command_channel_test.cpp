@@ -34,6 +34,17 @@ TEST_F(Commands, WhatNoRowMatchesIsReportedAndDropped) {
     }
 }
 
+TEST_F(Commands, AModeCommandChangesItsOwnModeOnly) {
+    Modes& modes = console.modes;
+    for (const auto& [text, line, left] : {std::tuple{"OSDQUIT", "OSD QUIT\n", 6},
+                                           {"PREVIEWQUIT", "preview quit\n", 5},
+                                           {"KVMQUIT", "kvm quit\n", 3}}) {
+        modes.osdFlag = modes.previewMode = modes.kvmMode = 1;
+        EXPECT_EQ(order(text), line);
+        EXPECT_EQ(modes.osdFlag + 2 * modes.previewMode + 4 * modes.kvmMode, left);
+    }
+}
+
 TEST_F(Commands, OnlyTheLastRelationIsNotTakenAgain) {
     placePointer(9, 9);
     console.modes.osdFlag = 1;

@@ -26,6 +26,12 @@ struct Keys : RuleWorld {
         up(code);
         return said;
     }
+    /// Whether these lines were among those since the last look.
+    testing::AssertionResult printed(const std::string& lines) {
+        const std::string all = sink.takeLines();
+        return all.find(lines) != all.npos ? testing::AssertionSuccess()
+                                           : testing::AssertionFailure() << all;
+    }
     void listHotkeys(const char* list) { hotkeys.set(parseHotkeys(list, false).table); }
 
     TimeOfDay now{1000, 0};
@@ -34,56 +40,70 @@ struct Keys : RuleWorld {
 };
 
 TEST_F(Keys, ThreeTapsLessThan600MillisecondsApart) {
+    const std::string kvm =
+        "out: KVMSTART +kvm | keys 01+00 | pause 10 | keys 00+00 | pause 10 | keys 00+00";
     const struct {
         bool here;
         int code;
-        const char *first, *second, *third;
+        std::string alone, third, lines;
     } rows[] = {
-        {true, KEY_LEFTCTRL, "keys 01+00 | pause 10", "keys 01+00 | pause 10",
-         "here: OSDSTART +osd"},
-        {true, KEY_RIGHTCTRL, "keys 10+00 | pause 10", "keys 10+00 | pause 10",
-         "here: OSDSTART +osd"},
-        {false, KEY_LEFTCTRL, "keys 01+00 | pause 10", "keys 01+00 | pause 10",
-         "out: OSDSTART +osd"},
-        {true, KEY_LEFTALT, "keys 04+00 | pause 10", "keys 04+00 | pause 10", "here: PREVIEWSTART"},
-        {false, KEY_LEFTALT, "keys 04+00 | pause 10", "keys 04+00 | pause 10",
-         "out: PREVIEWSTART +preview"},
-        {true, KEY_LEFTSHIFT, "keys 02+00 | pause 10", "",
-         "out: KVMSTART +kvm | keys 01+00 | pause 10 | keys 00+00 | pause 10 | keys 00+00"},
+        {true, KEY_LEFTCTRL, "keys 01+00", "here: OSDSTART +osd", "osdNUm-->3\n"},
+        {true, KEY_RIGHTCTRL, "keys 10+00", "here: OSDSTART +osd", "osdNUm-->3\n"},
+        {false, KEY_LEFTCTRL, "keys 01+00", "out: OSDSTART +osd",
+         "osdNUm-->3\nsend 10.0.0.20,OSDSTART\n------INOSD------\n"},
+        {true, KEY_LEFTALT, "keys 04+00", "here: PREVIEWSTART", "alt number-->3\n"},
+        {false, KEY_LEFTALT, "keys 04+00", "out: PREVIEWSTART +preview",
+         "alt number-->3\nsend 10.0.0.20,PREVIEWSTART\npreview start\n"},
+        {true, KEY_LEFTSHIFT, "keys 02+00", kvm, "shift number-->3\nsend 10.0.0.20,KVMSTART\n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.code) + (row.here ? " here" : " out"));
         state.osdIsHere = row.here;
-        EXPECT_EQ(tap(row.code, 2000), row.first);
-        EXPECT_EQ(tap(row.code, 599), row.second);
-        EXPECT_EQ(tap(row.code, 600), row.first) << "too late: a first one again";
-        EXPECT_EQ(tap(row.code, 599), row.second);
+        const std::string first = row.alone + " | pause 10";
+        const std::string second = row.code == KEY_LEFTSHIFT ? "" : first;
+        EXPECT_EQ(tap(row.code, 2000), first);
+        EXPECT_EQ(tap(row.code, 599), second);
+        EXPECT_EQ(tap(row.code, 600), first) << "too late: a first one again";
+        EXPECT_EQ(tap(row.code, 599), second);
         EXPECT_EQ(tap(row.code, 599), row.third);
+        EXPECT_TRUE(printed("diff: 000s. 599ms. 000us\n" + row.lines));
         setModes("");
         state.ctrlTaps = state.altTaps = state.shiftTaps = false;
-        const std::string plain = row.first;
-        EXPECT_EQ(tap(row.code, 1), plain.substr(0, plain.find(" |"))) << "counted no more";
+        EXPECT_EQ(tap(row.code, 1), row.alone) << "counted no more";
         state.ctrlTaps = state.altTaps = state.shiftTaps = true;
     }
-    sink.takeLines();
     tap(KEY_LEFTSHIFT, 2000);
     tap(KEY_LEFTSHIFT, 599);
     state.box.curIp.assign("0.0.0.0");
     EXPECT_EQ(tap(KEY_LEFTSHIFT, 599), "out: KVMSTART +kvm") << "no box, no tap of Ctrl there";
-    const std::string lines = sink.takeLines();
-    EXPECT_NE(lines.find("diff: 000s. 599ms. 000us\nshift number-->3\nsend 10.0.0.20,KVMSTART\n"),
-              lines.npos)
-        << lines;
+}
+
+TEST_F(Keys, AClockThatIsSetBackBeginsAnew) {
+    const std::tuple<int, const char*, int> rows[] = {
+        {-1, "diff: -16843010s. -16843010ms. -16843010us\n", 1},
+        {-600'000, "diff: -01s. -01ms. -01us\n", 1},
+        {599'999, "diff: 000s. 599ms. 999us\n", 2},
+        {1'100'001, "diff: 001s. 100ms. 001us\n", 1}};
+    for (const auto& [microseconds, line, count] : rows) {
+        tap(KEY_A, 0);
+        now = {2000, 500'000};
+        tap(KEY_LEFTCTRL, 0);
+        const int at = 500'000 + microseconds;
+        now = at < 0 ? TimeOfDay{1999, at + 1'000'000} : TimeOfDay{2000, at};
+        tap(KEY_LEFTCTRL, 0);
+        EXPECT_TRUE(printed(line + ("osdNUm-->" + std::to_string(count)) + "\n"));
+    }
 }
 
 TEST_F(Keys, TheCountersShareTheirTimingAndResetEachOther) {
-    const auto last = [&](std::initializer_list<int> codes) {
+    /// What the last of these taps says, with no mode on and no count afterwards.
+    const auto last = [&](std::initializer_list<int> codes, bool ends = true) {
         std::string said;
         for (const int code : codes) {
             said = tap(code, 300);
         }
         setModes("");
-        tap(KEY_A, 300);
+        ends ? tap(KEY_A, 300) : "";
         return said;
     };
     constexpr int kCtrl = KEY_LEFTCTRL, kAlt = KEY_LEFTALT, kShift = KEY_LEFTSHIFT;
@@ -91,27 +111,17 @@ TEST_F(Keys, TheCountersShareTheirTimingAndResetEachOther) {
     EXPECT_EQ(last({kCtrl, kAlt, kCtrl, kShift, kCtrl}), "out: OSDSTART +osd")
         << "600 ms after the last Ctrl, but 300 after a tap";
     EXPECT_EQ(last({kCtrl, kCtrl, KEY_A, kCtrl}), "keys 01+00 | pause 10");
-    const auto opens = [&](std::initializer_list<int> before, int third) {
-        for (const int code : before) {
-            tap(code, 100);
-        }
-        tap(third, 100);
-        setModes("");
-        return sink.take();
-    };
-    opens({kAlt, kAlt, kCtrl, kCtrl}, kCtrl);
+    last({kAlt, kAlt, kCtrl, kCtrl, kCtrl}, false);
+    tap(kCtrl, 300);
+    EXPECT_TRUE(printed("osdNUm-->1\n"));
     EXPECT_EQ(last({kAlt}), "keys 04+00 | pause 10") << "the third Ctrl ends Alt's count";
-    opens({kCtrl, kCtrl, kAlt, kAlt}, kAlt);
+    last({kCtrl, kCtrl, kAlt, kAlt, kAlt}, false);
     EXPECT_EQ(last({kCtrl}), "keys 01+00 | pause 10") << "and the third Alt Ctrl's";
     state.osdIsHere = true;
-    opens({kCtrl, kCtrl, kAlt, kAlt}, kAlt);
-    for (int more = 4; more <= 6; ++more) {
-        EXPECT_EQ(tap(kAlt, 100), "keys 04+00 | pause 10") << "it counts on from 3";
-    }
-    EXPECT_EQ(tap(kCtrl, 100), "keys 01+00 | pause 10");
-    tap(kAlt, 600);
-    tap(kAlt, 1);
-    EXPECT_EQ(tap(kAlt, 1), "here: PREVIEWSTART");
+    last({kCtrl, kCtrl, kAlt, kAlt, kAlt}, false);
+    EXPECT_EQ(last({kAlt, kAlt, kAlt}, false), "keys 04+00 | pause 10") << "it counts on from 3";
+    EXPECT_EQ(last({kCtrl}), "keys 01+00 | pause 10");
+    EXPECT_EQ(last({kAlt, kAlt, kAlt}), "here: PREVIEWSTART");
 }
 
 TEST_F(Keys, ThreeEscapesLeaveEveryModeOfAnOutputBox) {
@@ -120,9 +130,11 @@ TEST_F(Keys, ThreeEscapesLeaveEveryModeOfAnOutputBox) {
         setModes(mode);
         EXPECT_EQ(tap(KEY_ESC, 2000).substr(0, 23), "out keys: 00+29 locks 0");
         tap(KEY_ESC, 599);
+        EXPECT_TRUE(printed("ESC PRESS NUMBER:2\nout:10.0.0.20 in osd get ESC\n"));
         EXPECT_EQ(tap(KEY_ESC, 600).substr(0, 8), "out keys") << "a first one again";
         tap(KEY_ESC, 599);
         EXPECT_EQ(tap(KEY_ESC, 599), "out: OSDQUIT | keys 00+29") << mode;
+        EXPECT_TRUE(printed("ESC PRESS NUMBER:3\n3 esc force out of osd\nsend ESC to input\n"));
     }
     state.osdIsHere = true;
     EXPECT_EQ(tap(KEY_ESC, 1) + tap(KEY_ESC, 1) + tap(KEY_ESC, 1),

@@ -47,26 +47,6 @@ class WallMap : public RemoteState {
     const std::shared_ptr<SoftwareConfig> config = Singleton<SoftwareConfig>::instance();
 };
 
-TEST(MapText, FieldsAreReadOneByOne) {
-    const std::tuple<const char*, int, int, const char*, std::optional<std::string>> rows[] = {
-        {"3,4,10.0.0.1-2", 3, 4, "10.0.0.1-2", std::nullopt},
-        {"3,4,10.0.0.1,9000", 3, 4, "10.0.0.1", "9000"},
-        {"0,0,a,1,2", 0, 0, "a", "1"},
-        {"0,0,a,", 0, 0, "a", ""},
-        {"x,-7,a", -1, -7, "a", std::nullopt},
-        {"5", 5, -1, "", std::nullopt},
-        {"", -1, -1, "", std::nullopt},
-        {"99999999999,1,a", 2147483647, 1, "a", std::nullopt}};
-    for (const auto& [text, x, y, name, port] : rows) {
-        const MapEntry entry = parseMapEntry(text);
-        EXPECT_EQ(std::tuple(entry.x, entry.y, entry.name, entry.port),
-                  std::tuple(x, y, name, port))
-            << text;
-    }
-    EXPECT_EQ(mapEntries("a#b#"), (std::vector<std::string>{"a", "b"}));
-    EXPECT_EQ(mapEntries("a##b"), (std::vector<std::string>{"a", "", "b"}));
-}
-
 TEST_F(WallMap, LineBecomesAScreenAndItsCells) {
     EXPECT_EQ(printedBy([] { CreatOutIpMap("1,0,10.0.0.1#2,1,10.0.1.1-8,9000#0,1,10.0.1.2"); }),
               "1\nout:x:1,y:0,outkey:0x10000->ip:10.0.0.1\nget input port 9000\n"
@@ -86,8 +66,13 @@ TEST_F(WallMap, LineBecomesAScreenAndItsCells) {
     int y = 0;
     std::string name;
     std::int32_t port = 0;
-    for (const auto& [given, expected] :
-         {std::pair{"1", 1}, {"65535", 65535}, {"0", 80}, {"65536", 80}, {"x", 80}}) {
+    for (const auto& [given, expected] : {std::pair{"1", 1},
+                                          {"65535", 65535},
+                                          {"0", 80},
+                                          {"65536", 80},
+                                          {"x", 80},
+                                          {"", 80},
+                                          {"81,2", 81}}) {
         EXPECT_EQ(spltLocationIp(std::string("3,4,a,") + given, &x, &y, &name, &port), 1);
         EXPECT_EQ(std::tuple(x, y, name, port), std::tuple(3, 4, "a", expected)) << given;
     }
@@ -112,6 +97,8 @@ TEST_F(WallMap, UnusableEntriesAreRefusedWithOneLine) {
         {"129,129,a", true, "xOut location over\n"},
         {"0,129,a", true, "yOut location over\n"},
         {"x,0,a", true, "xOut location over\n"},
+        {"99999999999,0,a", true, "xOut location over\n"},
+        {"0", true, "no output ip\n"},
         {"5,5," + tooLong, true, tooLongLine},
         {"129,129,a", false, "xIn location over\n"},
         {"0,-1,a", false, "yIn location over\n"},
