@@ -90,18 +90,6 @@ TEST_F(Translation, CarriesOneKeyAtATimeAndEveryHeldModifier) {
     EXPECT_EQ(printed, "rightmeta keyup\n");
 }
 
-TEST_F(Translation, LockKeysToggleOnPressesOnly) {
-    for (const int expected : {1, 0, 1}) {
-        press(KEY_CAPSLOCK);
-        release(KEY_CAPSLOCK);
-        press(KEY_SCROLLLOCK);
-        EXPECT_EQ(lights.capsLockOn, expected);
-    }
-    EXPECT_EQ(lights.numLockOn, 0);
-    press(KEY_NUMLOCK);
-    EXPECT_EQ(lights.numLockOn, 1);
-}
-
 TEST_F(Translation, EveryHotkeyTextIsPrefixThenName) {
     const std::string ctrl = "LEFTCTRL+", shift = "LEFTSHIFT+", alt = "LEFTALT+";
     std::map<int, std::string> prefixes{{0x08, "WIN+"}};

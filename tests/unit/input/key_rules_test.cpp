@@ -217,6 +217,11 @@ TEST_F(Keys, EachModeHasItsWayForPressesAndReleases) {
         setModes(row.modes);
         EXPECT_EQ(down(row.code, 2000), row.press);
         EXPECT_EQ(up(row.code), row.release);
+        EXPECT_EQ(console.lights.capsLockOn, row.code == KEY_CAPSLOCK);
+        EXPECT_EQ(console.lights.numLockOn, row.code == KEY_NUMLOCK);
+        down(row.code);
+        up(row.code);
+        EXPECT_EQ(console.lights.capsLockOn + console.lights.numLockOn, 0);
     }
     setModes("");
     state.box.is_user_ip = true;

@@ -131,6 +131,11 @@ TEST_F(Handover, EveryFormInWhichSomethingIsDownAndNoOther) {
     EXPECT_TRUE(oldBox.all().ends_with(joined({"", kForms[0].release, kForms[1].release})));
     begin();
     press(kKeyA);
+    oldBox.all();
+    press(BoxReport::keys(wire::kKeyRelease, BoxReport::Kind::kKeysAtBasePort));
+    change([](BoxInControl&) {});
+    EXPECT_EQ(oldBox.all(), kKeysUp) << "a release elsewhere is none";
+    press(kKeyA);
     press(BoxReport::keys(wire::kKeyRelease));
     press(kButton);
     releaseInput(nullptr);
