@@ -103,7 +103,9 @@ TEST_F(Keys, TheCountersShareTheirTimingAndResetEachOther) {
             said = tap(code, 300);
         }
         setModes("");
-        ends ? tap(KEY_A, 300) : "";
+        if (ends) {
+            tap(KEY_A, 300);
+        }
         return said;
     };
     constexpr int kCtrl = KEY_LEFTCTRL, kAlt = KEY_LEFTALT, kShift = KEY_LEFTSHIFT;
