@@ -123,6 +123,21 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
     }
 }
 
+TEST_F(Handover, AnotherAddressFormOrPortIsAnotherBox) {
+    const BoxInControl box = boxInControl();
+    EXPECT_TRUE(box.isSameBox(box));
+    const std::function<void(BoxInControl&)> changes[] = {
+        [](BoxInControl& other) { other.curIp = AddressText{"10.0.0.99"}; },
+        [](BoxInControl& other) { other.is_user_ip = !other.is_user_ip; },
+        [](BoxInControl& other) { ++other.inputPort; },
+        [](BoxInControl& other) { ++other.port_add; }};
+    for (const auto& change : changes) {
+        BoxInControl other = box;
+        change(other);
+        EXPECT_FALSE(box.isSameBox(other));
+    }
+}
+
 TEST_F(Handover, EveryFormInWhichSomethingIsDownAndNoOther) {
     begin();
     press(kKeyA);
