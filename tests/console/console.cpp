@@ -1,7 +1,5 @@
 #include "console.h"
 
-#include <thread>
-
 namespace {
 
 void expectNext(rig::Box& box, const std::string& name, std::string_view text,
@@ -42,11 +40,6 @@ void Console::expectOsd(std::uint16_t port, std::string_view text) {
 
 void Console::expectLine(std::string_view text) {
     EXPECT_TRUE(daemon().waitForLine(text, kLimit)) << "no line " << text;
-}
-
-void Console::expectNothing() {
-    std::this_thread::sleep_for(kSilence);
-    EXPECT_THAT(world().leftovers(), ::testing::IsEmpty());
 }
 
 void Console::TearDown() {

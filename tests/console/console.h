@@ -18,7 +18,6 @@ class Console : public ::testing::Test {
     static constexpr int kMouse = 1;
     static constexpr const char* kFirstBox = "127.0.0.31";  ///< in control after the start
     static constexpr rig::Milliseconds kLimit{3000};        ///< for everything that has to come
-    static constexpr rig::Milliseconds kSilence{100};       ///< for what must not come
 
     rig::Plan plan = rig::usualPlan();
     bool endsByDesign = false;  ///< the test ends the daemon itself
@@ -38,8 +37,8 @@ class Console : public ::testing::Test {
     void expectOsd(std::uint16_t port, std::string_view text);
     void expectLine(std::string_view text);
 
-    /// No box and no recorder holds or gets a report.
-    void expectNothing();
+    /// Sends a command to the daemon.
+    void send(std::string_view command) { world().control().send({"127.0.0.1", 41236}, command); }
 
     void TearDown() override;
 
