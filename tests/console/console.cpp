@@ -1,20 +1,5 @@
 #include "console.h"
 
-namespace {
-
-void expectNext(rig::Box& box, const std::string& name, std::string_view text,
-                const rig::World& world, rig::Milliseconds limit) {
-    const auto report = box.next(limit);
-    if (!report) {
-        ADD_FAILURE() << name << ": expected " << text << ", got nothing; elsewhere: "
-                      << ::testing::PrintToString(world.leftovers());
-        return;
-    }
-    EXPECT_EQ(report->text, text) << "at " << name;
-}
-
-}  // namespace
-
 rig::World& Console::world() {
     if (!world_) {
         world_ = std::make_unique<rig::World>(plan);
@@ -31,11 +16,9 @@ void Console::start() {
 }
 
 void Console::expectReport(const std::string& address, std::string_view text) {
-    expectNext(box(address), "box " + address, text, world(), kLimit);
-}
-
-void Console::expectOsd(std::uint16_t port, std::string_view text) {
-    expectNext(world().osd(port), "osd " + std::to_string(port), text, world(), kLimit);
+    const auto report = box(address).next(kLimit);
+    EXPECT_EQ(report ? report->text : "nothing", text)
+        << "at " << address << ", elsewhere: " << ::testing::PrintToString(world().leftovers());
 }
 
 void Console::expectLine(std::string_view text) {

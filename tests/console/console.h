@@ -31,10 +31,8 @@ class Console : public ::testing::Test {
     /// Starts the daemon and waits until it serves the devices. Fails the test when it does not.
     void start();
 
-    /// The next report at the box reads so; likewise at the OSD's port, and the daemon's next such
-    /// line.
+    /// The next report at the box reads so; the daemon's next such line.
     void expectReport(const std::string& address, std::string_view text);
-    void expectOsd(std::uint16_t port, std::string_view text);
     void expectLine(std::string_view text);
 
     /// Sends a command to the daemon.

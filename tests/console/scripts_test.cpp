@@ -1,9 +1,8 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
+#include <iostream>
 
 #include "rig/script.h"
 
@@ -22,13 +21,6 @@ std::vector<std::string> scripts() {
     return found;
 }
 
-std::string testName(const testing::TestParamInfo<std::string>& script) {
-    std::string name = script.param;
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-    return name;
-}
-
 class Script : public testing::TestWithParam<std::string> {};
 
 TEST_P(Script, GoesAsWritten) {
@@ -41,14 +33,14 @@ TEST_P(Script, GoesAsWritten) {
         ADD_FAILURE() << fault;
     }
     if (HasFailure()) {
-        std::string lines;
+        std::cout << "The daemon's lines:\n";
         for (const std::string& line : world.daemon().lines()) {
-            lines += line + "\n";
+            std::cout << line << "\n";
         }
-        std::cout << "The daemon's lines:\n" << lines;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Golden, Script, testing::ValuesIn(scripts()), testName);
+INSTANTIATE_TEST_SUITE_P(Golden, Script, testing::ValuesIn(scripts()),
+                         [](const auto& script) { return script.param; });
 
 }  // namespace

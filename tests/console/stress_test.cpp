@@ -10,30 +10,32 @@
 
 namespace {
 
-constexpr std::uint16_t kCommandPort = 41236;
+using Clock = std::chrono::steady_clock;
+using rig::Milliseconds;
+
 constexpr const char* kWall = "relation&0,0,127.0.0.20#1,0,127.0.0.21#0,1,127.0.0.22";
 constexpr const char* kCells =
     "details&127.0.0.20#0,0,127.0.0.31-8000#1,0,127.0.0.32-8000#0,1,127.0.0.41-8000";
+constexpr const char* kOtherScreen = "details&127.0.0.21#0,0,127.0.0.42-8000";
+constexpr const char* kStatus = "[seq]\n[control]=127.0.0.20\nusb_link_device\nend";
+
+constexpr Milliseconds kPatience{10000};
 
 class Stress : public Console {
  protected:
-    void send(std::string_view command) {
-        world().control().send({"127.0.0.1", kCommandPort}, command);
-    }
+    Stress() { plan.virtualClock = true; }
 
     /// Waits until the channel has worked off what was sent; a full socket drops, so it asks again.
     void expectAnswering(const std::string& mark) {
-        const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (std::chrono::steady_clock::now() < end) {
+        const auto end = Clock::now() + kPatience;
+        do {
+            ASSERT_LT(Clock::now(), end) << "the command channel does not answer";
             send(mark);
-            if (daemon().waitForLine("recv error osd command:" + mark, rig::Milliseconds{300})) {
-                return;
-            }
-        }
-        FAIL() << "the command channel does not answer";
+        } while (!daemon().waitForLine("recv error osd command:" + mark, Milliseconds{300}));
     }
 
-    /// Back to a known state, whatever happened before; then a key reaches the box.
+    /// Back to a known state, whatever happened before; then a key reaches the box. The listener
+    /// may just be restarting, so the key is pressed again and again.
     void expectServing() {
         world().setTime({5000, 0});
         expectAnswering("before");
@@ -42,74 +44,54 @@ class Stress : public Console {
             send(command);
         }
         expectAnswering("after");
-        expectKeyArrives();
-    }
-
-    /// The listener may just be restarting, so the key is pressed again every half second.
-    void expectKeyArrives() {
-        const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (std::chrono::steady_clock::now() < end) {
-            board().key(kKeyboard, KEY_A, true);
-            board().key(kKeyboard, KEY_A, false);
-            const auto pause = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
-            while (std::chrono::steady_clock::now() < pause) {
-                const auto report = box(kFirstBox).next(rig::Milliseconds{50});
-                if (report && report->text == "key down A") {
-                    return;
-                }
+        const auto end = Clock::now() + kPatience;
+        for (std::string got; got != "key down A";) {
+            ASSERT_LT(Clock::now(), end) << "no key arrives any more";
+            if (got.empty()) {
+                board().key(kKeyboard, KEY_A, true);
+                board().key(kKeyboard, KEY_A, false);
             }
+            const auto report = box(kFirstBox).next(Milliseconds{500});
+            got = report ? report->text : "";
         }
-        FAIL() << "no key arrives any more";
     }
-
-    static constexpr rig::Milliseconds kPatience{10000};
 };
 
 /// Commands in random order, for as long as `busy`.
 void sendCommands(rig::World& world, const std::atomic<bool>& busy) {
-    const std::vector<std::string> commands{"OSDSTART",
-                                            "OSDQUIT",
-                                            "PREVIEWQUIT",
-                                            "KVMQUIT",
-                                            kWall,
-                                            kCells,
-                                            "relation&0,0,0",
-                                            "relation&0,0,127.0.0.20#0,1,127.0.0.21",
-                                            "details&127.0.0.21#0,0,127.0.0.42-8000",
-                                            "hotkey&ctrl+f1#alt+2",
-                                            "hotkey&",
-                                            "MTO:0,0",
-                                            "MTO:1,0",
-                                            "MTO:9,9",
-                                            "PAUSE",
-                                            "CONTINUE",
-                                            "[seq]\n[control]=127.0.0.20\nusb_link_device\nend"};
+    constexpr const char* kCommands[] = {"OSDSTART",    "OSDQUIT",
+                                         "PREVIEWQUIT", "KVMQUIT",
+                                         "PAUSE",       "CONTINUE",
+                                         "MTO:0,0",     "MTO:1,0",
+                                         "MTO:9,9",     "hotkey&ctrl+f1#alt+2",
+                                         "hotkey&",     "relation&0,0,0",
+                                         kWall,         kCells,
+                                         kOtherScreen,  "relation&0,0,127.0.0.20#0,1,127.0.0.21",
+                                         kStatus};
     std::mt19937 random(7);
     while (busy) {
-        world.control().send({"127.0.0.1", kCommandPort}, commands[random() % commands.size()]);
-        std::this_thread::sleep_for(rig::Milliseconds{3});
+        world.control().send({"127.0.0.1", 41236}, kCommands[random() % std::size(kCommands)]);
+        std::this_thread::sleep_for(Milliseconds{3});
     }
 }
 
 /// Every box changes its mind about its picture and its pointer mode.
 void changeAnswers(rig::World& world, const std::atomic<bool>& busy) {
+    constexpr const char* kAnswers[] = {rig::kUsualAnswer, "vi_w=800&vi_h=600&kvm=abs",
+                                        "vi_w=1280&vi_h=720&kvm=rel"};
     std::mt19937 random(11);
     while (busy) {
         for (const char* address : {"127.0.0.31", "127.0.0.32", "127.0.0.41", "127.0.0.42"}) {
-            const char* const answers[] = {"vi_w=1920&vi_h=1080&kvm=abs",
-                                           "vi_w=800&vi_h=600&kvm=abs",
-                                           "vi_w=1280&vi_h=720&kvm=rel"};
-            world.box(address).setAnswer(answers[random() % 3]);
+            world.box(address).setAnswer(kAnswers[random() % 3]);
             world.box(address).clear();
         }
-        std::this_thread::sleep_for(rig::Milliseconds{20});
+        std::this_thread::sleep_for(Milliseconds{20});
     }
 }
 
 }  // namespace
 
 TEST_F(Stress, CommandsCrossingsAndQueriesAtOnce) {
-    plan.virtualClock = true;
     plan.devices.push_back({rig::Kind::kTouch, 2, "ILITEK ILITEK-TP"});
     start();
     world().setTime({1000, 0}, 100);  // a query every 50 ms
@@ -117,29 +99,28 @@ TEST_F(Stress, CommandsCrossingsAndQueriesAtOnce) {
     std::thread commands(sendCommands, std::ref(world()), std::cref(busy));
     std::thread answers(changeAnswers, std::ref(world()), std::cref(busy));
     std::mt19937 random(3);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+    const auto upTo = [&random](unsigned limit) { return static_cast<int>(random() % limit); };
+    const auto end = Clock::now() + std::chrono::seconds(3);
     int round = 0;
-    for (; std::chrono::steady_clock::now() < end; ++round) {
-        const int dx = static_cast<int>(random() % 6000) - 3000;
-        const int dy = static_cast<int>(random() % 4000) - 2000;
-        board().move(kMouse, dx, dy);
-        const auto key = static_cast<std::uint16_t>(KEY_A + random() % 9);
-        board().key(kKeyboard, random() % 4 == 0 ? std::uint16_t{KEY_LEFTCTRL} : key, true);
+    for (; Clock::now() < end; ++round) {
+        board().move(kMouse, upTo(6000) - 3000, upTo(4000) - 2000);
+        board().key(kKeyboard,
+                    static_cast<std::uint16_t>(upTo(4) == 0 ? KEY_LEFTCTRL : KEY_A + upTo(9)),
+                    true);
         board().key(kKeyboard, KEY_A, false);
-        board().emit(2, EV_ABS, ABS_X, static_cast<int>(random() % 16384));
+        board().emit(2, EV_ABS, ABS_X, upTo(16384));
         board().emit(2, EV_SYN, SYN_REPORT, 0);
-        std::this_thread::sleep_for(rig::Milliseconds{2});
+        std::this_thread::sleep_for(Milliseconds{2});
     }
     busy = false;
     commands.join();
     answers.join();
-    world().box(kFirstBox).setAnswer(rig::kUsualAnswer);
+    box(kFirstBox).setAnswer(rig::kUsualAnswer);
     EXPECT_GT(round, 100);
     expectServing();
 }
 
 TEST_F(Stress, AnyDatagramLeavesTheConsoleServing) {
-    plan.virtualClock = true;
     start();
     std::mt19937 random(5);
     const std::vector<std::string> beginnings{
@@ -153,7 +134,7 @@ TEST_F(Stress, AnyDatagramLeavesTheConsoleServing) {
         }
         send(text.substr(0, length));
         if (length % 64 == 0) {
-            std::this_thread::sleep_for(rig::Milliseconds{5});
+            std::this_thread::sleep_for(Milliseconds{5});
         }
     }
     expectServing();
