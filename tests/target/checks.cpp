@@ -23,10 +23,6 @@ void Checks::isTrue(std::string_view what, bool passed, std::string_view detail)
                 detail.data());
 }
 
-void Checks::equal(std::string_view what, const std::string& expected, const std::string& got) {
-    isTrue(what, expected == got, expected == got ? "" : "expected " + expected + ", got " + got);
-}
-
 void Checks::equal(std::string_view what, const std::vector<std::string>& expected,
                    const std::vector<std::string>& got) {
     isTrue(what, expected == got,
@@ -54,13 +50,11 @@ void Console::tap(std::string_view key) {
     machine.key(key, false);
 }
 
-double Console::status(const std::string& field) {
-    const std::string value =
-        machine.shell("sed -n 's/^" + field + ":[^0-9]*\\([0-9]*\\).*/\\1/p' /proc/$daemon/status");
+double Console::figure(const std::string& command) {
+    const std::string value = machine.shell(command);
     return value.empty() || value.starts_with("failed") ? -1 : std::atof(value.c_str());
 }
 
-double Console::descriptors() {
-    const std::string value = machine.shell("ls /proc/$daemon/fd | wc -l");
-    return value.starts_with("failed") ? -1 : std::atof(value.c_str());
+double Console::status(const std::string& field) {
+    return figure("sed -n 's/^" + field + ":[^0-9]*\\([0-9]*\\).*/\\1/p' /proc/$daemon/status");
 }

@@ -1,5 +1,6 @@
+#include <cctype>
+#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 
 #include "checks.h"
@@ -10,37 +11,22 @@ namespace {
 
 constexpr const char* kBox = "127.0.0.31";
 
-/// The little-endian word at `offset` of a file.
-std::uint32_t wordAt(const std::string& path, long offset) {
-    std::ifstream file(path, std::ios::binary);
-    file.seekg(offset);
-    std::uint32_t word = 0;
-    file.read(reinterpret_cast<char*>(&word), sizeof(word));
-    return file ? word : 0xFFFFFFFF;
-}
+/// What the start-up of board A makes of its registers, seen from outside in the file that lies in
+/// the machine at 0x10000000.
+struct Register {
+    long address;
+    std::uint8_t before, after;
+    const char* what;
+};
+constexpr Register kRegisters[] = {
+    {0x120F0170, 0x77, 0x01, "board A: register 0x120F0170 ends at 1"},
+    {0x12220400, 0x52, 0x5A, "board A: bit 3 of 0x12220400 is set, the rest is kept"},
+    {0x12220020, 0xF8, 0xF0, "board A: bit 3 of 0x12220020 is cleared, the rest is kept"}};
 
-/// What the start-up of board A leaves in its registers, seen from outside. The file lies in the
-/// machine at 0x10000000.
-void checkRegisters(Checks& checks, const std::string& registers) {
-    constexpr long kBase = 0x10000000;
-    checks.equal("board A: register 0x120F0170 ends at 1", std::to_string(1U),
-                 std::to_string(wordAt(registers, 0x120F0170 - kBase)));
-    checks.equal("board A: bit 3 of 0x12220400 is set, the rest is kept", std::to_string(0x5AU),
-                 std::to_string(wordAt(registers, 0x12220400 - kBase)));
-    checks.equal("board A: bit 3 of 0x12220020 is cleared, the rest is kept", std::to_string(0xF0U),
-                 std::to_string(wordAt(registers, 0x12220020 - kBase)));
-}
-
-void prepareRegisters(const std::string& registers) {
-    constexpr long kBase = 0x10000000;
+std::fstream registerAt(const std::string& registers, long address) {
     std::fstream file(registers, std::ios::binary | std::ios::in | std::ios::out);
-    const auto put = [&file](long address, char value) {
-        file.seekp(address - kBase);
-        file.put(value);
-    };
-    put(0x120F0170, 0x77);
-    put(0x12220400, 0x52);
-    put(0x12220020, static_cast<char>(0xF8));
+    file.seekp(address - 0x10000000);
+    return file;
 }
 
 void startDaemon(Console& console) {
@@ -63,7 +49,9 @@ void checkStart(Console& console, const std::string& registers) {
     Machine& machine = console.machine;
     const char* board = registers.empty() ? "BOARDB0002_002_R1" : "BOARDA00001_0001_R1";
     if (!registers.empty()) {
-        prepareRegisters(registers);
+        for (const Register& row : kRegisters) {
+            registerAt(registers, row.address).put(static_cast<char>(row.before));
+        }
         // The file's memory answers once its device is switched on.
         std::printf("%s\n", machine
                                 .shell("cd /sys/bus/pci/devices; for d in *; do grep -q 0x1110 "
@@ -98,7 +86,11 @@ void checkStart(Console& console, const std::string& registers) {
         "get real mouse event 1, keyboard evnet 1", real);
     console.checks.isTrue("the daemon listens", console.awaitListening());
     if (!registers.empty()) {
-        checkRegisters(console.checks, registers);
+        for (const Register& row : kRegisters) {
+            std::uint32_t word = 0xFFFFFFFF;
+            registerAt(registers, row.address).read(reinterpret_cast<char*>(&word), sizeof word);
+            console.checks.equal(row.what, std::to_string(row.after), std::to_string(word));
+        }
     }
     machine.skip();
 }
@@ -120,22 +112,10 @@ void checkRecords(Console& console) {
 }
 
 void checkKeys(Console& console) {
-    constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    // The emulated keyboard itself keeps only 16 changes that nobody has fetched yet.
-    std::vector<std::string> expected;
-    std::vector<std::string> got;
-    for (const char letter : kLetters) {
-        console.tap(std::string(1, letter));
-        const char name = letter >= 'a' ? static_cast<char>(letter - 'a' + 'A') : letter;
-        expected.push_back(std::string("key down ") + name);
-        expected.emplace_back("keys up");
-        const auto reports = console.machine.take("box 80 ", 2);
-        got.insert(got.end(), reports.begin(), reports.end());
-        if (reports.size() < 2) {
-            break;
-        }
+    for (const std::string name : {"A", "M", "5", "0"}) {
+        console.tap(std::string(1, static_cast<char>(std::tolower(name[0]))));
+        console.expectBox("key " + name, {"key down " + name, "keys up"});
     }
-    console.checks.equal("letters and digits", expected, got);
 }
 
 void checkPointer(Console& console) {

@@ -71,7 +71,6 @@ void run(bool arm, char** files, const std::string& disk, Checks& checks) {
     checkHotPlug(console);
     if (arm) {
         checkPulledWhileHeld(console);
-        checkRelativeBox(console);
         checkPanels(console);
         checkQuickHotPlugs(console);
         checkEndurance(console);
