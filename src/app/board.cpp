@@ -8,10 +8,10 @@
 #include <string>
 
 #include "app/registers.h"
-#include "base/clock.h"
 #include "base/file_start.h"
 #include "base/path_prefix.h"
 #include "base/shell.h"
+#include "base/waiting.h"
 
 namespace {
 

@@ -11,8 +11,9 @@ struct TimeOfDay {
 /// The current time of day. Any thread.
 TimeOfDay timeOfDay();
 
-/// Sleeps for at least `microseconds`, also when signals arrive. Any thread.
-void sleepMicroseconds(std::int64_t microseconds);
+/// How many microseconds a sleep of `microseconds` lasts: just those. A virtual board's clock may
+/// run faster. Any thread.
+std::int64_t sleepLength(std::int64_t microseconds);
 
 /// How many milliseconds a wait for an answer that is due within `milliseconds` lasts at most: just
 /// those. A virtual board's clock gives more, for its boxes share a machine that may be busy. Any

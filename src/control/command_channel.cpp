@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <utility>
 
-#include "base/clock.h"
 #include "base/state.h"
+#include "base/waiting.h"
 #include "control/hotkey_table.h"
 #include "control/mouse_to.h"
 #include "net/dotted_text.h"

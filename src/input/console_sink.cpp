@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "base/clock.h"
+#include "base/waiting.h"
 #include "remote/edge_crossing.h"
 #include "remote/lights.h"
 #include "remote/send.h"

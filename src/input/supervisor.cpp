@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "base/clock.h"
 #include "base/singleton.h"
+#include "base/waiting.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
 #include "remote/handover.h"

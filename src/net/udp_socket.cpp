@@ -2,17 +2,16 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
 
 #include "base/clock.h"
+#include "base/waiting.h"
 #include "net/dotted_text.h"
 #include "net/network_info.h"
 #include "net/socket_options.h"
@@ -23,22 +22,6 @@ constexpr int kReceiveWaitMs = 20;
 constexpr long kServerTimeOutUs = 35000;
 constexpr long kTimeOutUs = 15000;
 constexpr int kMostDrained = 1024;
-
-enum class Wait { kReadable, kNothing, kFailed };
-
-/// Waits for something to receive. errno tells why it failed.
-Wait waitReadable(int fd, int milliseconds) {
-    pollfd waiting{fd, POLLIN, 0};
-    const int ready = fd < 0 ? 1 : poll(&waiting, 1, milliseconds);
-    if (fd < 0 || (ready > 0 && (waiting.revents & POLLNVAL) != 0)) {
-        errno = EBADF;
-        return Wait::kFailed;
-    }
-    if (ready < 0) {
-        return Wait::kFailed;
-    }
-    return ready > 0 ? Wait::kReadable : Wait::kNothing;
-}
 
 long takeDatagram(int fd, void* buffer, long length, int flags, sockaddr_in& sender) {
     sockaddr_in from{};
@@ -118,16 +101,12 @@ long UDPSocket::Receive(void* buffer, long length, sockaddr_in& sender) {
     if (!nonBlocking_) {
         return takeDatagram(fd, buffer, length, 0, sender);
     }
-    switch (waitReadable(fd, answerWait(kReceiveWaitMs))) {
-        case Wait::kNothing:
-            return 0;
-        case Wait::kReadable:
-            return takeDatagram(fd, buffer, length, MSG_DONTWAIT, sender);
-        case Wait::kFailed:
-            break;
+    const int ready = waitUntilReadable(fd, answerWait(kReceiveWaitMs));
+    if (ready < 0) {
+        std::perror("select rcvfrom timeout");
+        return -1;
     }
-    std::perror("select rcvfrom timeout");
-    return -1;
+    return ready == 0 ? 0 : takeDatagram(fd, buffer, length, MSG_DONTWAIT, sender);
 }
 
 long UDPSocket::RecvFrom(void* buffer, long length) {
@@ -245,11 +224,11 @@ int UDPSocket::readEmptySocket() {
     const int fd = descriptor_;
     std::array<char, 256> scratch;
     for (int drained = 0; drained < kMostDrained; ++drained) {
-        const Wait waiting = waitReadable(fd, 0);
-        if (waiting == Wait::kFailed) {
+        const int waiting = waitUntilReadable(fd, 0);
+        if (waiting < 0) {
             return 1;
         }
-        if (waiting == Wait::kNothing) {
+        if (waiting == 0) {
             break;
         }
         sockaddr_in sender{};

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "base/clock.h"
 #include "base/led_bits.h"
+#include "base/waiting.h"
 #include "remote/picture.h"
 #include "remote/send.h"
 #include "remote/wire.h"

@@ -1,7 +1,7 @@
 #include "remote/source_query.h"
 
-#include "base/clock.h"
 #include "base/state.h"
+#include "base/waiting.h"
 #include "net/udp_socket.h"
 #include "remote/box_in_control.h"
 #include "remote/picture.h"
