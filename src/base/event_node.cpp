@@ -6,23 +6,37 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
+#include <cerrno>
 
 #include "base/path_prefix.h"
 
 namespace {
 
-/// Reads or writes one whole object without interpreting it.
+/// As many as the kernel keeps for one reader of a large panel; a keyboard's are 64.
+constexpr std::size_t kMostNative = 256;
+
+/// Reads whole objects of a record's layout without interpreting them.
 template <class T>
-int readWhole(int fd, T& object) {
-    std::array<unsigned char, sizeof(T)> bytes{};
-    const ssize_t got = read(fd, bytes.data(), bytes.size());
-    if (got == static_cast<ssize_t>(sizeof(T))) {
-        std::memcpy(&object, bytes.data(), sizeof(T));
-        return kRecordSize;
+NodeRead readWhole(int fd, std::span<T> objects) {
+    const ssize_t got = read(fd, objects.data(), objects.size_bytes());
+    if (got < 0) {
+        const bool nothing = errno == EAGAIN || errno == EINTR;
+        return {0, nothing ? std::nullopt : std::optional(-1)};
     }
-    return got < 0 ? -1 : static_cast<int>(got < kRecordSize ? got : kRecordSize - 1);
+    const auto bytes = static_cast<std::size_t>(got);
+    const auto rest = static_cast<int>(bytes % sizeof(T));
+    NodeRead result{bytes / sizeof(T), std::nullopt};
+    if (rest != 0 || got == 0) {
+        result.failure = std::min(rest, kRecordSize - 1);
+    }
+    return result;
+}
+
+InputRecord recordOf(const input_event& event) {
+    return {static_cast<std::int32_t>(event.input_event_sec),
+            static_cast<std::int32_t>(event.input_event_usec), event.type, event.code, event.value};
 }
 
 template <class T>
@@ -37,6 +51,7 @@ static_assert(sizeof(InputRecord) == kRecordSize, "a plain record has no padding
 EventNode openEventNode(const char* path) {
     EventNode node;
     node.fd = open(prefixedPath(path).c_str(), O_RDWR | O_CLOEXEC);
+    fcntl(node.fd, F_SETFL, O_RDWR | O_NONBLOCK);
     int version = 0;
     if (node.fd >= 0 && ioctl(node.fd, EVIOCGVERSION, &version) == 0) {
         node.layout = RecordLayout::kNative;
@@ -44,17 +59,14 @@ EventNode openEventNode(const char* path) {
     return node;
 }
 
-int readRecord(const EventNode& node, InputRecord& record) {
+NodeRead readRecords(const EventNode& node, std::span<InputRecord> records) {
     if (node.layout == RecordLayout::kPlain16) {
-        return readWhole(node.fd, record);
+        return readWhole(node.fd, records);
     }
-    input_event event{};
-    const int got = readWhole(node.fd, event);
-    if (got == kRecordSize) {
-        record = {static_cast<std::int32_t>(event.input_event_sec),
-                  static_cast<std::int32_t>(event.input_event_usec), event.type, event.code,
-                  event.value};
-    }
+    std::array<input_event, kMostNative> events;
+    const auto got =
+        readWhole(node.fd, std::span(events).first(std::min(records.size(), events.size())));
+    std::transform(events.begin(), events.begin() + got.count, records.begin(), recordOf);
     return got;
 }
 
@@ -73,6 +85,18 @@ bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code,
     event.code = code;
     event.value = value;
     return writeWhole(node.fd, event);
+}
+
+std::optional<KeysDown> readKeysDown(int fd) {
+    std::array<unsigned char, KeysDown{}.size() / 8> bytes{};
+    if (ioctl(fd, EVIOCGKEY(bytes.size()), bytes.data()) < 0) {
+        return std::nullopt;
+    }
+    KeysDown down;
+    for (std::size_t code = 0; code < down.size(); ++code) {
+        down[code] = (bytes[code / 8] >> (code % 8) & 1) != 0;
+    }
+    return down;
 }
 
 std::optional<std::int32_t> readAxisMaximum(int fd, std::uint16_t code) {

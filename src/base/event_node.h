@@ -1,9 +1,13 @@
 #pragma once
 
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 
-/// The kernel's event nodes: open, read a record, write a record, lock lights, axis range.
+/// The kernel's event nodes: open, read records, write a record, the keys that are down, axis
+/// range.
 ///
 /// A record has 16 bytes on FIFOs, sockets and for a 32-bit process; a genuine evdev node under a
 /// 64-bit process delivers the kernel's 24-byte `struct input_event`. Which it is is learnt once,
@@ -29,16 +33,29 @@ struct EventNode {
 };
 
 /// Opens the node at `path` (the path prefix applies) for reading and writing, close-on-exec,
-/// blocking, without a grab. The caller closes the descriptor.
+/// without a grab; its reads never wait. The caller closes the descriptor.
 EventNode openEventNode(const char* path);
 
-/// Reads one record. Returns the bytes of a whole record (16, whatever the node's layout), fewer
-/// when the read came back short, or -1. `record` is written only on a whole one.
-int readRecord(const EventNode& node, InputRecord& record);
+/// What one read of a node gave.
+struct NodeRead {
+    std::size_t count = 0;       ///< whole records
+    std::optional<int> failure;  ///< what came behind them: 0 to 15 bytes of a record, or -1
+};
+
+/// Reads with one call what the node has, at most as much as `records` holds, and puts the whole
+/// records at its beginning. A node that has nothing gives neither records nor a failure.
+NodeRead readRecords(const EventNode& node, std::span<InputRecord> records);
 inline constexpr int kRecordSize = 16;
 
-/// True when a read of `fd` would not wait: a record is there, or the node is gone.
+/// True when a read of `fd` would give something: a record is there, or the node is gone.
 bool hasInput(std::int32_t fd);
+
+/// The keys and buttons that are down, by code (KEY_CNT in input-event-codes.h).
+using KeysDown = std::bitset<0x300>;
+
+/// What is down at the node (EVIOCGKEY); nothing when the node cannot tell. The kernel then takes
+/// the key records that nobody has read yet for told, so the node is to be read empty before.
+std::optional<KeysDown> readKeysDown(int fd);
 
 /// Writes one record with time zero. Returns false when the node did not take it whole.
 bool writeRecord(const EventNode& node, std::uint16_t type, std::uint16_t code, std::int32_t value);

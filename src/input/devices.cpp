@@ -36,8 +36,11 @@ void learnTouchRange(TouchPanel& panel, std::int32_t fd) {
     panel.touchMaxY = readAxisMaximum(fd, ABS_Y).value_or(0);
 }
 
-void closeList(Lights& lights, InputDeviceList& list) {
+/// Returns how many records were dropped.
+std::size_t closeList(Lights& lights, InputDeviceList& list) {
+    std::size_t dropped = 0;
     for (std::size_t i = 0; i < list.count; ++i) {
+        dropped += list.queues[i].clear();
         const std::int32_t fd = list.fds[i];
         lights.ledKeyFd.with([fd](std::int32_t& known) { known = known == fd ? -1 : known; });
         if (fd >= 0) {
@@ -47,6 +50,7 @@ void closeList(Lights& lights, InputDeviceList& list) {
         list.names[i].fill('\0');
     }
     list.count = 0;
+    return dropped;
 }
 
 }  // namespace
@@ -92,15 +96,15 @@ int openInputFd(Devices& devices) {
 int closeInputFd(Devices& devices, Lights& lights, bool mouse, bool key, bool touch) {
     FD_ZERO(&devices.readSet);
     if (key) {
-        closeList(lights, devices.keyDevices);
+        devices.droppedRecords += closeList(lights, devices.keyDevices);
         std::puts("close all keyboard input device");
     }
     if (mouse) {
-        closeList(lights, devices.mouseDevices);
+        devices.droppedRecords += closeList(lights, devices.mouseDevices);
         std::puts("close all mouse input device");
     }
     if (touch) {
-        closeList(lights, devices.touchDevices);
+        devices.droppedRecords += closeList(lights, devices.touchDevices);
         std::puts("close all touch input device");
     }
     FD_ZERO(&devices.readSet);

@@ -10,6 +10,7 @@
 #include "base/shared.h"
 #include "base/state.h"
 #include "control/device_counts.h"
+#include "input/node_queue.h"
 #include "remote/console_state.h"
 
 /// The input devices: three lists of nodes and the touch panel's range. The counts may be read from
@@ -29,6 +30,7 @@ struct InputDeviceList {
     std::array<std::array<char, kNameSize>, kSlots> names{};  ///< node names such as event3
     std::array<std::int32_t, 16> fds{};                       ///< -1 when the node is not open
     std::array<RecordLayout, 16> layouts{};
+    std::array<NodeQueue, kSlots> queues;  ///< what the nodes gave and nobody has served yet
 
     EventNode node(std::size_t slot) const { return {fds[slot], layouts[slot]}; }
     const char* name(std::size_t slot) const { return names[slot].data(); }
@@ -57,10 +59,12 @@ struct Devices {
     std::array<char, 32> actKeyEvent{};  ///< supervisor only
     Flag listenerAlive{0};  ///< 1 while the listener runs, 0 once it failed; any thread
     fd_set readSet;
+    std::size_t droppedRecords = 0;  ///< unserved ones of nodes that were closed; supervisor only
 };
 
 /// Opens every listed node, with its lines; a slot whose node does not open gets -1. Returns 1.
 int openInputFd(Devices& devices);
 
-/// Closes and empties the chosen lists; the lights' keyboard is forgotten with its node. Returns 1.
+/// Closes and empties the chosen lists; the lights' keyboard is forgotten with its node, and what
+/// waited in their queues is dropped and counted. Returns 1.
 int closeInputFd(Devices& devices, Lights& lights, bool mouse, bool key, bool touch);

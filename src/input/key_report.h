@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "remote/console_state.h"
 #include "remote/wire.h"
@@ -44,6 +45,16 @@ class HeldKeys {
     void press(std::size_t device, std::uint16_t code) { held_.emplace(device, code); }
     void release(std::size_t device, std::uint16_t code) { held_.erase({device, code}); }
     std::size_t count() const { return held_.size(); }
+    /// The codes that are down at one device.
+    std::vector<std::uint16_t> of(std::size_t device) const {
+        std::vector<std::uint16_t> codes;
+        for (const auto& [holder, code] : held_) {
+            if (holder == device) {
+                codes.push_back(code);
+            }
+        }
+        return codes;
+    }
 
  private:
     std::set<std::pair<std::size_t, std::uint16_t>> held_;

@@ -16,7 +16,7 @@ struct KeyEvent {
     std::size_t slot = 0;   ///< of the keyboard
     const char* name = "";  ///< of its node
     std::int32_t fd = -1;   ///< of its node
-    TimeOfDay now;
+    TimeOfDay now;          ///< when it was read
 };
 
 /// What the keys mean: the console's own rules first, then the box. Input thread.
@@ -28,8 +28,8 @@ class KeyRules {
     /// keyboards goes on.
     std::optional<std::size_t> serve(const KeyEvent& event);
 
-    /// How many keys this listener saw pressed and not yet released.
-    std::size_t keysHeld() const { return held_.count(); }
+    /// The keys that this listener saw pressed and not yet released.
+    const HeldKeys& held() const { return held_; }
 
  private:
     void takeLed(const KeyEvent& event);

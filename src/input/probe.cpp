@@ -70,9 +70,9 @@ timeval longestWait(const Probe& probe, Clock::time_point now) {
 /// Reads one record of the slot's node. A failed read means that nothing more will come.
 void readAnswer(Probe& probe, std::size_t slot) {
     InputRecord record;
-    const bool whole = readRecord(probe.list.node(slot), record) == kRecordSize;
-    probe.answered[slot] = probe.answered[slot] || whole;
-    probe.left[slot] = !whole;
+    const NodeRead got = readRecords(probe.list.node(slot), {&record, 1});
+    probe.answered[slot] = probe.answered[slot] || got.count == 1;
+    probe.left[slot] = got.failure.has_value();
     probe.waitEnds[slot] = Clock::now() + kEcho;
 }
 
