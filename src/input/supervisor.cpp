@@ -1,6 +1,7 @@
 #include "input/supervisor.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "base/singleton.h"
 #include "base/waiting.h"
@@ -43,9 +44,17 @@ void Supervisor::handleNoDevices() {
         stopInputThread();
         letGoOfEverything();
         reportInputThreadCancel();
-        closeInputFd(devices_, slices_.console.lights, true, true, true);
+        closeDevices();
     }
     idle_ = true;
+}
+
+/// What nobody has served of them goes with them, as it would in the kernel.
+void Supervisor::closeDevices() {
+    closeInputFd(devices_, slices_.console.lights, true, true, true);
+    if (const std::size_t dropped = std::exchange(devices_.droppedRecords, 0); dropped > 0) {
+        std::printf("%zu unserved events dropped with their devices\n", dropped);
+    }
 }
 
 void Supervisor::firstStart(const DeviceListing& listing) {
@@ -56,18 +65,19 @@ void Supervisor::firstStart(const DeviceListing& listing) {
     firstPass_ = false;
 }
 
-/// The old thread is stopped before anything else happens, so that it can neither read, write nor
-/// close a descriptor that a later open receives. The lines keep their own order.
+/// The old listener goes on while the settings are saved. It is stopped before its devices are
+/// closed, so that it can neither read, write nor close a descriptor that a later open receives,
+/// and before the new one's duty is set, which it would take for its own.
 void Supervisor::restart(const DeviceListing& listing) {
-    stopInputThread();
-    letGoOfEverything();
     std::printf("------------hot event \n %s----------\n", listing.handlers.c_str());
     clearActKeyEvent();
-    slices_.console.duties.hotPlugFlag = 1;
-    slices_.console.lights.ledKeyFd.set(-1);
     config_->SetConfigChar(kActKeyEventIndex, devices_.actKeyEvent.data());
     config_->SaveConfig();
-    closeInputFd(devices_, slices_.console.lights, true, true, true);
+    stopInputThread();
+    letGoOfEverything();
+    slices_.console.duties.hotPlugFlag = 1;
+    slices_.console.lights.ledKeyFd.set(-1);
+    closeDevices();
     recognisePanel(devices_, listing, true, touchByName_);
     reportInputThreadCancel();
     reportInputThreadCancel();

@@ -20,6 +20,7 @@ class Supervisor {
     void handleNoDevices();
     void firstStart(const DeviceListing& listing);
     void restart(const DeviceListing& listing);
+    void closeDevices();
     void clearActKeyEvent();
 
     InputSlices& slices_;
