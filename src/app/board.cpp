@@ -78,7 +78,7 @@ void run(const Step& step, BoardAccess& access) {
             }
             break;
         case Action::kWait:
-            access.wait(step.value);
+            access.rest(step.value);
             break;
         case Action::kShell:
             access.runShell(step.command);
@@ -137,7 +137,7 @@ void RealBoardAccess::writeRegister(std::uint32_t address, std::uint32_t value) 
 
 void RealBoardAccess::runShell(const char* command) { ::runShell(command); }
 
-void RealBoardAccess::wait(std::int64_t microseconds) { sleepMicroseconds(microseconds); }
+void RealBoardAccess::rest(std::int64_t microseconds) { sleepMicroseconds(microseconds); }
 
 void bringUpBoard(std::string_view identifier, BoardAccess& access) {
     const KnownBoard* const board = findBoard(identifier);

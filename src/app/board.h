@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Which board this is, and the pulses on its control registers that bring its peripherals up.
-/// Called by main before any other thread exists.
+/// Called by main before start-up's threads exist.
 
 inline constexpr std::size_t kBoardNameSize = 64;
 
@@ -27,7 +27,7 @@ class BoardAccess {
     virtual std::optional<std::uint32_t> readRegister(std::uint32_t address) = 0;
     virtual void writeRegister(std::uint32_t address, std::uint32_t value) = 0;
     virtual void runShell(const char* command) = 0;
-    virtual void wait(std::int64_t microseconds) = 0;
+    virtual void rest(std::int64_t microseconds) = 0;
 };
 
 /// The registers, the shell and the clock of this machine.
@@ -36,7 +36,7 @@ class RealBoardAccess : public BoardAccess {
     std::optional<std::uint32_t> readRegister(std::uint32_t address) override;
     void writeRegister(std::uint32_t address, std::uint32_t value) override;
     void runShell(const char* command) override;
-    void wait(std::int64_t microseconds) override;
+    void rest(std::int64_t microseconds) override;
 };
 
 /// Runs the sequence of the board whose name `identifier` begins with, or the one for unknown

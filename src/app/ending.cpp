@@ -19,7 +19,7 @@ constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
 constexpr int kDetached = 1;
 
-/// Those that the parent had not ignored; a shell command that runs later ignores some for a while.
+/// Those that the parent had not ignored.
 const sigset_t& endingSignals() {
     static const sigset_t kSet = [] {
         sigset_t set;

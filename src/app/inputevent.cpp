@@ -7,6 +7,7 @@
 #include "remote/edge_crossing.h"
 #include "remote/lights.h"
 #include "remote/picture.h"
+#include "remote/reports.h"
 #include "remote/selection.h"
 #include "remote/wall_map.h"
 

@@ -8,7 +8,7 @@
 #include "input/devices.h"
 #include "input/input_thread.h"
 #include "remote/console_state.h"
-#include "remote/reports.h"
+#include "remote/uncalled.h"
 
 /// The console's one input-event object. It owns the slices of state that the rooms work on; each
 /// thread gets those that it needs by argument. Its operations are doors, one line each, to the

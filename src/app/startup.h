@@ -9,7 +9,7 @@
 void startUp(inputevent_& events);
 
 /// Opens KvmSetSocket on its port and joins its group on eth0, in at most ten attempts. Main
-/// thread, before any other thread exists.
+/// thread, before start-up's threads exist.
 void openControlSocket();
 
 /// The version that start-up prints.

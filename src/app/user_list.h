@@ -23,6 +23,6 @@ struct UserList {
 UserList parseUserList(std::string_view text);
 
 /// Fills user_ip and user_n from ./ip.txt when it exists; on a problem user_n is 0 and one line
-/// tells it. The range error of parseUserList is meant to end the process. Main thread, before any
-/// other thread exists.
+/// tells it. The range error of parseUserList is meant to end the process. Main thread, before
+/// start-up's threads exist.
 void loadUserList();

@@ -7,8 +7,8 @@
 /// guard.
 ///
 /// The guard is held for the length of one copy or one `with`. Nothing that can wait belongs
-/// inside: no send, receive, sleep, print, nor a call to code that might do so. Any thread may call
-/// any member.
+/// inside: no send, receive, sleep, print, nor a call to code that might do so; a short system call
+/// that has to be one step with the value is the exception. Any thread may call any member.
 template <class T>
 class Guarded {
  public:

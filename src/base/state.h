@@ -10,8 +10,8 @@
 #include "base/shared.h"
 #include "base/wall_records.h"
 
-/// The run-time state that the whole process shares. main fills it before any other thread exists;
-/// afterwards it changes in place and is never reset as a whole.
+/// The run-time state that the whole process shares. main fills it before the threads of
+/// start-up exist; afterwards it changes in place and is never reset as a whole.
 ///
 /// Threads: M main (start-up, then supervision), C control channel, V screen information, I input.
 /// Shared<T> is a plain word to the hardware; Guarded<T> is copied in and out whole.
@@ -23,8 +23,8 @@
 /// | ctrl_3_flag   | flag            | 1                  | M       | I       |
 /// | alt_3_flag    | flag            | 0                  | M       | I       |
 /// | startFlag     | flag            | 1                  | M C     | C       |
-/// | clear_flag    | flag            | 0                  | C       | C       |
-/// | vr_mouse      | flag            | 0                  | -       | C V I   |
+/// | clear_flag    | flag            | 0                  | C       | -       |
+/// | vr_mouse      | flag            | 0                  | -       | -       |
 /// | localip       | address         | ""                 | M       | M C     |
 /// | user_ip       | list            | none               | M       | C I     |
 /// | user_n        | s32             | 0                  | M       | C I     |
@@ -52,7 +52,7 @@ inline Flag vr_mouse{0};      ///< the pointer is mirrored to the output box; no
 
 inline Guarded<AddressText> localip;  ///< this board's own address
 
-/// The addresses of ./ip.txt. Written once, before any other thread exists; read-only afterwards.
+/// The addresses of ./ip.txt. Written once, before the threads of start-up exist; read-only afterwards.
 inline std::vector<AddressText> user_ip;
 inline Shared<std::int32_t> user_n{0};
 

@@ -30,8 +30,8 @@ class SoftwareConfig {
     /// Prints the lines that SaveConfig writes.
     void PrintConfig() const;
 
-    /// Writes the file, which holds the old or the new lines whole at every moment. False when it
-    /// cannot be written; the table is unchanged then.
+    /// Writes the file as WholeFile does. False when it cannot be written; the table is unchanged
+    /// then.
     bool SaveConfig();
 
     /// A copy of the value, "error" for an index of 4096 or more.

@@ -7,7 +7,8 @@
 
 #include "base/guarded.h"
 
-/// A file that is always replaced whole: a power cut leaves the old or the new text.
+/// A file that is replaced whole: a power cut leaves the old or the new text. Only where the
+/// directory refuses a second file is it written in place.
 class WholeFile {
  public:
     explicit WholeFile(std::string path) : path_(std::move(path)) {}
@@ -15,9 +16,8 @@ class WholeFile {
     /// Replaces the file's text. `order` is higher for a newer text: one older than what the file
     /// already has is dropped, which counts as success; nothing is written either while the file
     /// still holds `text` as the last save of this object left it. The permission bits of an
-    /// existing file stay, a new one gets 0644. Where the directory refuses a second file, the text
-    /// is written in place. Returns false, with the old text kept, when the file cannot be written.
-    /// Any thread.
+    /// existing file stay, a new one gets 0644. Returns false when the file cannot be written; the
+    /// old text is kept then, but for one that was written in place. Any thread.
     bool replace(const std::string& text, std::uint64_t order);
 
     /// Moves the file, not a link that leads to it, to `kept`. Returns false when it cannot. Any

@@ -79,6 +79,7 @@ void CommandChannel::osdStart(const std::string& /*text*/) {
     std::puts("osdSet OSDSTART");
     console_.modes.osdFlag = 1;
     releaseKey();
+    letGoOfEverything();  // what is down in another form; its release goes to the OSD
 }
 
 void CommandChannel::previewQuit(const std::string& /*text*/) {

@@ -36,8 +36,8 @@ ParsedHotkeys parseHotkeys(const std::string& list, bool fromOsd);
 
 /// Turns `text` into upper case in place, replaces the table by it and saves it as a setting. A
 /// list that does not fit, or that a line of the settings cannot hold, is refused whole with one
-/// line; table and setting then stay. Returns 1. Control thread, and main before any other thread
-/// exists.
+/// line; table and setting then stay. Returns 1. Control thread, and main before
+/// start-up's threads exist.
 std::uint32_t createHotKey(std::string& text, bool fromOsd);
 
 struct HotkeyMatch {

@@ -4,6 +4,7 @@
 
 #include "base/waiting.h"
 #include "remote/edge_crossing.h"
+#include "remote/handover.h"
 #include "remote/lights.h"
 #include "remote/send.h"
 
@@ -26,6 +27,9 @@ void ConsoleSink::command(const Command& command) {
             break;
         case Order::kTellLights:
             syncLed(state_.console.lights, true);
+            break;
+        case Order::kLetGo:
+            letGoOfEverything();
             break;
         case Order::kCross:
             cross(state_.console, command.direction);

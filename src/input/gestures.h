@@ -18,7 +18,6 @@
 class LongPress {
  public:
     void down(std::int64_t now) {
-        touched_ = true;
         armed_ = true;
         downAt_ = now;
     }
@@ -37,8 +36,7 @@ class LongPress {
 
     /// True when the contact has lasted long enough to be looked at.
     bool isDue(std::int64_t now) const {
-        return armed_ && touched_ && first_.x != 0 && first_.y != 0 &&
-               now - downAt_ > kMilliseconds;
+        return armed_ && first_.x != 0 && first_.y != 0 && now - downAt_ > kMilliseconds;
     }
 
     /// How far the contact has gone, and whether that still counts as still.
@@ -56,8 +54,7 @@ class LongPress {
         return static_cast<std::int32_t>(std::min(std::abs(std::int64_t{a} - b), kMost));
     }
 
-    bool armed_ = true;
-    bool touched_ = false;
+    bool armed_ = false;  ///< a contact that began before its time is none
     Position first_;
     std::int64_t downAt_ = 0;
 };

@@ -21,7 +21,7 @@ struct Life {
     std::mutex guard;
     std::condition_variable ended;
     bool running = false;
-    bool everStarted = false;
+    bool lastStarted = false;
     pthread_t thread = 0;
 };
 
@@ -53,9 +53,10 @@ void startInputThread(InputSlices& slices) {
         life().thread = CreateThread(inputCtrl, kPriority, kPolicy, kDetached, &slices, &problem);
         started = life().thread != 0 && problem == 0;
         life().running = started;
-        life().everStarted = started;
+        life().lastStarted = started;
     }
     if (!started) {
+        slices.devices.listenerAlive = 0;  // the next look at the devices tries again
         std::puts("thread create error");
     }
 }
@@ -72,7 +73,7 @@ void reportInputThreadCancel() {
     bool started = false;
     {
         const std::lock_guard hold(life().guard);
-        started = life().everStarted;
+        started = life().lastStarted;
     }
     if (started) {
         std::puts("input thread cancel");

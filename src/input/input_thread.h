@@ -19,8 +19,8 @@ void startInputThread(InputSlices& slices);
 /// nothing. Supervisor thread.
 void stopInputThread();
 
-/// Prints the outcome of a cancel: success when a thread had been started, whether or not it has
-/// already ended; otherwise the error line. The thread itself is not touched.
+/// Prints the outcome of a cancel: success when the last start succeeded, whether or not the thread
+/// has already ended; otherwise the error line. The thread itself is not touched.
 void reportInputThreadCancel();
 
 /// Thread entry, on InputSlices: opens and probes the devices and runs the listener until it fails.

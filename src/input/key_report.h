@@ -61,7 +61,7 @@ class HeldKeys {
 };
 
 /// Takes the press of evdev `code` into the 11-byte `report` and writes the key's name to `name`
-/// (18 bytes or more); a lock key toggles its state in `lights`. Returns 11, or 0 for a code that
+/// (17 bytes or more); a lock key toggles its state in `lights`. Returns 11, or 0 for a code that
 /// is not handled: `name` and all but the header then stay. Input thread.
 int OnKeyDown(Lights& lights, int code, std::uint8_t* report, char, char, char, char* name);
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "input/key_pauses.h"
+#include "input/key_forward.h"
 #include "remote/lights.h"
 #include "remote/send.h"
 
@@ -115,7 +115,7 @@ void KeyRules::forwardSingleKey() {
         if (state_.keys.firstKey() == kEscapeUsage) {
             sink_.line("send ESC to input\n");
         }
-        sink_.toBox(BoxReport::keys(state_.keys.forBox()));
+        forwardPress(state_, sink_);
         if (state_.keys.name().starts_with("F13") && !state_.box.is_user_ip) {
             sink_.pause(kAfterKeyMicroseconds);
             sink_.toBox(BoxReport::keys(wire::kKeyRelease, BoxReport::Kind::kKeysAtBasePort));
@@ -260,7 +260,7 @@ void KeyRules::forwardGroupKey() {
         return;
     }
     sink_.line("0x%x 0x%x\n", unsigned{state_.keys.modifiers()}, unsigned{state_.keys.firstKey()});
-    sink_.toBox(BoxReport::keys(state_.keys.forBox()));
+    forwardPress(state_, sink_);
     sink_.pause(kAfterKeyMicroseconds);
     groupText_.fill('\0');
 }

@@ -85,10 +85,19 @@ void Serving::letGoOfLost(const InputDeviceList& list, std::size_t slot, const H
     sink_.line("%s lost events, %d of its keys let go\n", list.name(slot), count);
 }
 
+/// Mice and panels open no mode: one that is on now was opened by a command meanwhile, and what the
+/// record pressed will not come up at the box.
+void Serving::letGoIfAModeCame() {
+    if (!state_.modes().areOff()) {
+        sink_.command({Order::kLetGo});
+    }
+}
+
 void Serving::giveToMouse(std::size_t slot, const InputRecord& record) {
     note(buttons_, slot, record);
-    if (state_.modes().areOff() && !state_.modes().touchPaused) {
+    if (isForBox()) {
         mouse_.serve(record);
+        letGoIfAModeCame();
     } else {
         mouse_.serveForOsd(record);
     }
@@ -97,8 +106,7 @@ void Serving::giveToMouse(std::size_t slot, const InputRecord& record) {
 /// False when the read failed and the listener has to end.
 bool Serving::serveMouse(std::size_t slot) {
     state_.box = boxInControl();
-    const bool forBox = state_.modes().areOff() && !state_.modes().touchPaused;
-    if (forBox && resyncIsDue(state_.console, state_.box)) {
+    if (resyncIsDue(state_.console, state_.box)) {
         sink_.line("osd change signal need locks sync\n");
         sink_.command({Order::kResync});
         state_.keys.clear();
@@ -110,7 +118,7 @@ bool Serving::serveMouse(std::size_t slot) {
     } else if (next == NodeQueue::Next::kLoss) {
         letGoOfLost(devices_.mouseDevices, slot, buttons_,
                     [&](const InputRecord& record) { giveToMouse(slot, record); });
-    } else if (next == NodeQueue::Next::kFailure && (forBox || queue.failureLength() <= 0)) {
+    } else if (next == NodeQueue::Next::kFailure && (isForBox() || queue.failureLength() <= 0)) {
         sink_.line("read mouse input error--->%zu len %d\n", slot, queue.failureLength());
         return false;
     }
@@ -167,6 +175,7 @@ void Serving::giveToPanel(std::size_t slot, const InputRecord& record) {
     if (state_.modes().areOff()) {
         state_.box = boxInControl();
         touch_.serve(record);
+        letGoIfAModeCame();
     }
 }
 

@@ -24,6 +24,9 @@ class Serving {
  private:
     using Slots = std::array<bool, InputDeviceList::kSlots>;
 
+    /// True when pointer records go to the box.
+    bool isForBox() const { return state_.modes().areOff() && !state_.modes().touchPaused; }
+    void letGoIfAModeCame();
     bool serveMouse(std::size_t slot);
     void giveToMouse(std::size_t slot, const InputRecord& record);
     bool serveKeyboards(const Slots& ready);

@@ -19,6 +19,7 @@ enum class Order : std::uint8_t {
     kResync,        ///< lights and picture of the box in control
     kReadLights,    ///< of the keyboard
     kTellLights,    ///< the same, and tell the box
+    kLetGo,         ///< of all that is down at the box
     kCross,         ///< pass control on over an edge
     kCrossByArrow,  ///< likewise, the pointer ends inside the picture
 };

@@ -1,6 +1,6 @@
 #include "input/tap_rules.h"
 
-#include "input/key_pauses.h"
+#include "input/key_forward.h"
 #include "remote/send.h"
 
 bool TapRules::takeTap(const TimeOfDay& now) {
@@ -35,7 +35,7 @@ unsigned TapRules::press(TapCounter& counter, const TimeOfDay& now) {
 }
 
 void TapRules::forward() {
-    sink_.toBox(BoxReport::keys(state_.keys.forBox()));
+    forwardPress(state_, sink_);
     sink_.pause(kAfterKeyMicroseconds);
 }
 
@@ -75,7 +75,7 @@ void TapRules::tapAlt(const TimeOfDay& now) {
         return;
     }
     ctrl_.reset();
-    if (state_.osdIsHere) {  // it sets the mode itself, and the counter stays at 3
+    if (state_.osdIsHere) {  // the preview is its own affair, and the counter stays at 3
         toOsd(previewS);
         return;
     }

@@ -4,7 +4,7 @@
 
 /// Selecting the current output screen. currentInfo holds a private copy of it, so a later change
 /// of the wall does not reach it until the next selection. Input and control threads, and main
-/// before any other thread exists.
+/// before start-up's threads exist.
 
 /// Selects the current screen: by name (`outKey` null: the first whose name begins with `name`), or
 /// by key as a crossing from the current one. Returns 1, or 0 when there is no such screen.

@@ -14,8 +14,8 @@
 ///
 /// Any thread may call any of these; none prints.
 
-/// The new value from the old one; nothing when the caller has to look again. Pure; it runs under
-/// the guard.
+/// The new value from the old one; nothing when the caller has to look again. It runs under the
+/// guard and may look at currentInfo, no more.
 using NextBox = FunctionRef<std::optional<BoxInControl>(const BoxInControl& old)>;
 
 enum class LetGo : std::uint8_t {

@@ -1,70 +1,11 @@
 #include "remote/reports.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/state.h"
-#include "remote/mirror.h"
-#include "remote/pointer_buffer.h"
+#include "remote/report_forms.h"
 
 namespace {
-
-using Bytes = std::span<const std::uint8_t>;
-
-Message message(const AddressText& ip, std::int32_t port, Bytes bytes) {
-    Message one;
-    one.add({ip, port, bytes});
-    return one;
-}
-
-Message userKeys(const AddressText& ip, Bytes report) {
-    return message(ip, wire::kUserPort,
-                   wire::userKeyboard(report[wire::kModifiersAt], report[wire::kFirstKeyAt]));
-}
-
-Message userPointer(const AddressText& ip, Bytes report, const Position& at) {
-    return message(ip, wire::kUserPort,
-                   wire::userPointer(report[wire::kButtonsAt], at.x, at.y, report[wire::kWheelAt]));
-}
-
-Message keysFor(const BoxInControl& box, Bytes report) {
-    return box.is_user_ip ? userKeys(box.curIp, report) : message(box.curIp, box.port(), report);
-}
-
-/// A pointer report in the form that the box takes.
-Message pointerFor(const BoxInControl& box, const AddressText& ip, Bytes report, Motion& motion) {
-    if (box.is_user_ip) {
-        return userPointer(ip, report, pointerPosition());
-    }
-    if (box.rel_enable) {
-        const auto [dx, dy] = motion.takeRemote();
-        return message(ip, box.port(),
-                       wire::relative(report[wire::kButtonsAt], dx, dy, report[wire::kWheelAt]));
-    }
-    const Position at = pointerPosition();
-    return message(ip, box.port(),
-                   wire::absolute(report[wire::kButtonsAt], at.x, at.y, report[wire::kWheelAt]));
-}
-
-/// Both of them, the second behind the first.
-Message both(Message first, const Message& second) {
-    for (const Datagram& datagram : second) {
-        first.add(datagram);
-    }
-    return first;
-}
-
-/// What an event does to the pointer buffer. A click leaves the wheel byte as it was.
-void takeEvent(EventType type, const InputRecord* ev, std::uint8_t* buf) {
-    const bool turns = type == kMouseMove || type == kMouseWheel;
-    const std::int32_t wheel = ev != nullptr ? ev->value : 0;
-    preparePointer(buf, turns ? wheel : buf[wire::kWheelAt], pointerPosition());
-    if (ev != nullptr && type == kMouseClick) {
-        applyMouseButton(ev->code, ev->value, buf[wire::kButtonsAt]);
-    } else if (ev != nullptr && type == kMouseButton) {
-        applyContactButton(ev->code, ev->value, buf[wire::kButtonsAt]);
-    }
-}
 
 /// `ip`, or the box in control when it is null.
 AddressText addressOf(const char* ip, const BoxInControl& box) {
@@ -102,60 +43,7 @@ Position pointerPosition() {
     return currentInfo.with([](const currentCtl& now) { return pointerOf(now); });
 }
 
-int getInputMouseLocation(Motion& motion, std::uint8_t* buf) {
-    const Position at = pointerPosition();
-    wire::put16(buf, wire::kXAt, at.x);
-    wire::put16(buf, wire::kYAt, at.y);
-    if (boxInControl().rel_enable) {
-        motion.takeRemote();
-    }
-    return 1;
-}
-
-int operationEvent(Motion& motion, EventType type, const char* ip, const InputRecord* ev,
-                   std::uint8_t* buf) {
-    if (type > kMouseFlush || ip == nullptr || buf == nullptr) {
-        return 1;
-    }
-    if (ev != nullptr) {
-        noteEventForMirror();
-        std::puts("is wheel");
-    }
-    const AddressText to{ip};
-    const Bytes report(buf, wire::Absolute{}.size());
-    if (type == kMouseFlush) {
-        tellBox([&](const BoxInControl& box) { return message(to, box.port(), report); });
-        return 1;
-    }
-    takeEvent(type, ev, buf);
-    if (type == kMouseWheel || type == kMouseButton) {
-        return getInputMouseLocation(motion, buf);
-    }
-    const auto tell = [&] {
-        tellBox([&](const BoxInControl& box) { return pointerFor(box, to, report, motion); });
-    };
-    if (vr_mouse) {
-        sendMirrored(type == kMouseMove, to, ev != nullptr, buf, tell);
-    } else {
-        tell();
-    }
-    return 1;
-}
-
 void tellPointer(Motion& motion) { sendReport(BoxReport::pointer({}), motion); }
-
-int user_send_mk(EventType type, const std::uint8_t* mouse, const std::uint8_t* key) {
-    if ((type == kMouseMove || type == kMouseClick) && mouse != nullptr) {
-        tellBox([&](const BoxInControl& box) {
-            return userPointer(box.curIp, {mouse, wire::Absolute{}.size()}, pointerPosition());
-        });
-    } else if (type == kKeyboard && key != nullptr) {
-        tellBox([&](const BoxInControl& box) {
-            return userKeys(box.curIp, {key, wire::Keyboard{}.size()});
-        });
-    }
-    return 1;
-}
 
 int releaseKey() {
     tellBox(

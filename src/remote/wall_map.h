@@ -3,7 +3,7 @@
 #include <string>
 
 /// The wall map: built from its text, changed on command, written back to the settings. Control
-/// thread, and main before any other thread exists. Other threads see either the old or the new
+/// thread, and main before start-up's threads exist. Other threads see either the old or the new
 /// wall, never one half built.
 
 /// Adds one entry to the wall: an output screen, or a cell of the screen `outKey`. A text that is

@@ -21,7 +21,7 @@ struct Recorder : BoardAccess {
         log += "write" + word(address) + word(written) + "\n";
     }
     void runShell(const char* command) override { log += std::string(command) + "\n"; }
-    void wait(std::int64_t us) override { log += "wait " + std::to_string(us) + "\n"; }
+    void rest(std::int64_t us) override { log += "wait " + std::to_string(us) + "\n"; }
 
     std::optional<std::uint32_t> value;
     std::string log;

@@ -91,6 +91,12 @@ TEST_F(Commands, AModeIsSetBeforeItsWordsAndWhatIsDownIsLetGo) {
     EXPECT_EQ(box.all(), kKeysUp);
     order("OSDSTART");
     EXPECT_EQ(box.all(), "") << "no box";
+    control(box);
+    sendReport(BoxReport::pointer(wire::absolute(wire::kLeft, 0, 0, 0)), console.motion);
+    box.all();
+    order("OSDSTART");
+    EXPECT_EQ(box.all(), kKeysUp + std::string(" | 57 ab 04 01 00 00 00 00 00 00"))
+        << "its release goes to the OSD";
 }
 
 /// A moving mouse at every step of "details": it looks whether lights and picture are due.

@@ -143,6 +143,33 @@ TEST_F(Served, WhatADeviceLostIsLetGoOfAndNothingElse) {
     EXPECT_EQ(sink.take(), "keys 00+05 | keys 00+00");
 }
 
+/// The OSD is opened by a command while a record is served: its release will go there.
+TEST_F(Served, WhatWasPressedWhileTheOsdWasOpenedIsLetGoOf) {
+    plug(1, 1, 0);
+    sink.onCommand = [&] { console.modes.osdFlag = 1; };
+    push(devices.keyDevices, 0, EV_KEY, KEY_LEFTCTRL, 1);
+    push(devices.keyDevices, 0, EV_KEY, KEY_RIGHT, 1);
+    serving.pass();
+    console.modes.osdFlag = 0;
+    sink.take();
+    serving.pass();
+    EXPECT_EQ(sink.take(), "arrow right | keys 01+4f | let go | pause 10");
+    console.modes.osdFlag = 0;
+    placePointer(1919, 0);
+    push(devices.mouseDevices, 0, EV_REL, REL_X, 9);
+    push(devices.mouseDevices, 0, EV_KEY, BTN_LEFT, 1);
+    serving.pass();
+    EXPECT_EQ(sink.take(), "cross right | let go");
+    serving.pass();
+    EXPECT_EQ(sink.take(), "") << "the button is the OSD's";
+    console.modes.osdFlag = 0;
+    console.modes.touchPaused = 1;
+    console.duties.hotPlugFlag = 1;
+    push(devices.mouseDevices, 0, EV_KEY, BTN_LEFT, 0);
+    serving.pass();
+    EXPECT_EQ(sink.take(), "resync") << "the pause is the pointer's alone";
+}
+
 /// Records of two keyboards, a mouse and a panel as they arrive, with more than a pause between
 /// some of them and bursts between others.
 struct Arrival {

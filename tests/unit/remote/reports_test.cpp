@@ -2,6 +2,7 @@
 
 #include "remote/lights.h"
 #include "remote/reports.h"
+#include "remote/uncalled.h"
 #include "unit/remote/between.h"
 #include "unit/remote/remote_state.h"
 
