@@ -52,13 +52,14 @@ int parseArguments(int count, char** arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    guardStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
     const int status = parseArguments(argc, argv);
     if (status >= 0) {
         return status;
     }
+    std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
+    guardStandardStreams();
     letGoAtTheEnd();
+    startLogWriter();
     const auto events = Singleton<inputevent_>::instance();
     startUp(*events);
     TimeCheckKeyEvent(events->forInput);

@@ -9,7 +9,7 @@ rules=(
     'changeBoxInControl|box_change\.h' 'remote/(box_change\.h|(box_in_control|handover|picture)\.cpp)'
     'Guarded<Controlled>' 'remote/box_in_control\.cpp'
     'lock_guard|unique_lock|scoped_lock|shared_lock|boxGuard|std::mutex|shared_mutex|pthread_mutex'
-    'base/guarded\.h|input/input_thread\.cpp|config/whole_file\.(h|cpp)'
+    'base/guarded\.h|base/log_queue\.(h|cpp)|input/input_thread\.cpp|config/whole_file\.(h|cpp)'
 )
 
 check() {

@@ -7,13 +7,15 @@
 #include <cstdint>
 #include <initializer_list>
 
+#include "app/log_output.h"
 #include "base/thread.h"
 #include "remote/handover.h"
 
 namespace {
 
-/// How long the end waits for a report that is on its way.
+/// How long the end waits for a report that is on its way, and then for the reader of the log.
 constexpr std::int64_t kPatienceMicroseconds = 200'000;
+constexpr int kLogMilliseconds = 50;
 constexpr int kShellStatusOfSignals = 128;
 constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
@@ -46,13 +48,13 @@ const sigset_t& endingSignals() {
     _exit(kShellStatusOfSignals + number);  // the first process of a container is spared by it
 }
 
-/// Prints nothing: a log that nobody reads must not keep the process.
 void* waitForTheEnd(void* /*unused*/) {
     const sigset_t& signals = endingSignals();
     int number = 0;
     while (sigwait(&signals, &number) != 0) {
     }
     endControl(kPatienceMicroseconds);
+    finishLog(kLogMilliseconds);
     endBy(number);
 }
 

@@ -1,79 +1,109 @@
 #include "app/log_output.h"
 
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/types.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstddef>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
+
+#include "base/log_queue.h"
+#include "base/thread.h"
 
 namespace {
 
-constexpr int kPatienceMilliseconds = 1000;
-/// A pipe that polls writable takes this much without waiting (PIPE_BUF).
-constexpr std::size_t kChunk = 4096;
+constexpr int kExitMilliseconds = 200;
+constexpr unsigned kCrashSeconds = 1;
+constexpr int kPriority = 0;
+constexpr int kPolicy = 1;  // SCHED_FIFO
+constexpr int kDetached = 1;
 
-bool isWritable(const LogSink& sink) {
-    pollfd wait{sink.fd, POLLOUT, 0};
-    return poll(&wait, 1, sink.leftOut == 0 ? kPatienceMilliseconds : 0) == 1;
-}
-
-void tellLeftOut(LogSink& sink) {
-    std::array<char, 64> line{};
-    const int length = std::snprintf(
-        line.data(), line.size(), "\nlog reader stood still, left out %zu bytes\n", sink.leftOut);
-    sink.leftOut = 0;
-    (void)!write(sink.fd, line.data(), static_cast<std::size_t>(length));
-}
-
-/// The descriptor, or -1 when the program was started without it: a file or socket may get its
-/// number later, and no line may go there.
-int openAtStart(int fd) { return fcntl(fd, F_GETFD) >= 0 ? fd : -1; }
+bool writerRuns = false;
+volatile std::sig_atomic_t crashSignal = SIGABRT;
 
 /// stdio's write function. It takes everything, so that stdio never keeps or repeats anything.
-ssize_t writeLog(void* cookie, const char* bytes, std::size_t count) {
-    auto& sink = *static_cast<LogSink*>(cookie);
-    std::size_t done = sink.fd < 0 ? count : 0;
-    while (done < count) {
-        if (!isWritable(sink)) {
-            sink.leftOut += count - done;
-            break;
-        }
-        if (sink.leftOut != 0) {
-            tellLeftOut(sink);
-            continue;
-        }
-        const ssize_t written = write(sink.fd, bytes + done, std::min(kChunk, count - done));
-        if (written > 0) {
-            done += static_cast<std::size_t>(written);
-        } else if (errno != EINTR && errno != EAGAIN) {
-            break;  // the reader is gone
-        }
-    }
+ssize_t appendToLog(void* cookie, const char* bytes, std::size_t count) {
+    logQueue().append(*static_cast<const int*>(cookie), {bytes, count});
     return static_cast<ssize_t>(count);
 }
 
-}  // namespace
-
-std::FILE* openLogStream(LogSink& sink) {
+std::FILE* openLogStream(int& fd) {
     cookie_io_functions_t functions{};
-    functions.write = writeLog;
-    std::FILE* stream = fopencookie(&sink, "w", functions);
+    functions.write = appendToLog;
+    std::FILE* stream = fopencookie(&fd, "w", functions);
     if (stream != nullptr) {
         std::setvbuf(stream, nullptr, _IOLBF, BUFSIZ);
     }
     return stream;
 }
 
+/// The descriptor, or -1 when the program was started without it: a file or socket may get its
+/// number later, and no line may go there.
+int openAtStart(int fd) { return fcntl(fd, F_GETFD) >= 0 ? fd : -1; }
+
+void finishAtExit() { finishLog(kExitMilliseconds); }
+
+void endByCrashSignal(int /*number*/) {
+    std::signal(crashSignal, SIG_DFL);
+    std::raise(crashSignal);
+}
+
+/// The signal is blocked while its handler runs; it ends the process as if nobody had caught it.
+void writeAndCrash(int number) {
+    crashSignal = number;
+    std::signal(SIGALRM, endByCrashSignal);  // a reader that stalls only now
+    alarm(kCrashSeconds);
+    logQueue().writeAtACrash();
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
+/// A sanitizer's own handlers stay.
+void catchCrashes() {
+    for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+        struct sigaction action {};
+        if (sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_DFL) {
+            std::signal(number, writeAndCrash);
+        }
+    }
+}
+
+[[noreturn]] void* writeLog(void* /*unused*/) {
+    for (;;) {
+        logQueue().wait();
+        logQueue().writeOut();
+    }
+}
+
+}  // namespace
+
 void guardStandardStreams() {
-    static LogSink outSink{openAtStart(STDOUT_FILENO)};
-    static LogSink errSink{openAtStart(STDERR_FILENO)};
-    if (std::FILE* out = openLogStream(outSink)) {
+    static int outFd = openAtStart(STDOUT_FILENO);
+    static int errFd = openAtStart(STDERR_FILENO);
+    if (std::FILE* out = openLogStream(outFd)) {
         stdout = out;
     }
-    if (std::FILE* err = openLogStream(errSink)) {
+    if (std::FILE* err = openLogStream(errFd)) {
         stderr = err;
+    }
+    std::atexit(finishAtExit);
+    catchCrashes();
+}
+
+void startLogWriter() {
+    int problem = 0;
+    writerRuns = CreateThread(writeLog, kPriority, kPolicy, kDetached, nullptr, &problem) != 0 &&
+                 problem == 0;
+}
+
+void finishLog(int milliseconds) {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    if (writerRuns) {
+        logQueue().waitUntilWritten(milliseconds);
+    } else {
+        logQueue().writeOut();
     }
 }

@@ -1,22 +1,15 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdio>
+/// Printing never waits for the log's reader: standard output and standard error append to the
+/// process's log queue (base/log_queue.h), and a thread of its own empties it.
 
-/// Keeps a log reader that stands still from stopping the console: printing waits at most a second
-/// for it, once; what cannot be written after that is left out, and a line says how much when the
-/// reader goes on.
-
-struct LogSink {
-    int fd = -1;              ///< -1: every line is left out
-    std::size_t leftOut = 0;  ///< bytes since the reader stood still; 0 while it reads
-};
-
-/// Wraps the sink's descriptor in a line-buffered stream; closing it leaves the descriptor open.
-/// The sink outlives the stream. Null when the memory for the stream is missing.
-std::FILE* openLogStream(LogSink& sink);
-
-/// Puts such streams in the place of standard output and standard error; one whose descriptor is
-/// closed takes its lines nowhere. Called once by main before
-/// any other thread exists.
+/// Puts streams that append to the queue in the place of standard output and standard error; one
+/// whose descriptor is closed takes its lines nowhere. What was printed before the process ends is
+/// written, by exit, abort and crash. Called once by main before any other thread exists.
 void guardStandardStreams();
+
+/// Starts the thread that writes. Without it the lines leave at the end. Called once by main.
+void startLogWriter();
+
+/// Waits until everything printed so far is written, at most `milliseconds`. Any thread.
+void finishLog(int milliseconds);

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "base/log_queue.h"
 #include "input/cancel_window.h"
 
 namespace {
@@ -62,6 +63,7 @@ int Intake::buildReadSet() {
 
 bool Intake::waitForRecords() {
     const int highest = buildReadSet();
+    letLogLeave();
     fd_set ready = devices_.readSet;
     int found = 0;
     {
@@ -82,6 +84,7 @@ void Intake::fillReady(const fd_set& ready) {
             list.queues[slot].fill(list.node(slot), scratch_);
         }
     });
+    looked_ = Clock::now();
 }
 
 /// Waits once, until `end` at most, for the nodes and for `fd` (-1: none), and takes what the nodes
@@ -106,6 +109,7 @@ bool Intake::fillUntil(Clock::time_point end, int fd, int& result) {
     }
     result = found < 0 ? -1 : 0;
     if (found < 1) {
+        looked_ = Clock::now();
         return false;
     }
     result = fd >= 0 && FD_ISSET(fd, &ready) ? 1 : 0;
@@ -119,6 +123,7 @@ void Intake::refill() {
 }
 
 void Intake::rest(std::int64_t microseconds) {
+    letLogLeave();
     const auto end = Clock::now() + std::chrono::microseconds(microseconds);
     int unused = 0;
     while (Clock::now() < end && fillUntil(end, -1, unused)) {
@@ -131,6 +136,7 @@ int Intake::untilReadable(int fd, int milliseconds) {
         pollfd waiting{fd, POLLIN, 0};
         return poll(&waiting, 1, milliseconds);
     }
+    letLogLeave();
     const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
     int result = 0;
     while (result == 0 && fillUntil(end, fd, result) && Clock::now() < end) {

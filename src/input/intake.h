@@ -23,6 +23,9 @@ class Intake : public Waiting {
     /// Takes what the nodes have without waiting.
     void refill();
 
+    /// How long ago the nodes were last looked at.
+    std::chrono::steady_clock::duration sinceLastLook() const { return Clock::now() - looked_; }
+
     void rest(std::int64_t microseconds) override;
     int untilReadable(int fd, int milliseconds) override;
 
@@ -33,5 +36,6 @@ class Intake : public Waiting {
     void fillReady(const fd_set& ready);
 
     Devices& devices_;
+    Clock::time_point looked_ = Clock::now();
     std::array<InputRecord, 256> scratch_;
 };

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "base/log_queue.h"
 #include "input/cancel_window.h"
 #include "input/console_sink.h"
 #include "input/intake.h"
@@ -12,7 +13,8 @@
 
 namespace {
 
-constexpr unsigned kPassesBetweenLooks = 64;
+/// Passes without a wait go on for so long before the nodes are looked at again.
+constexpr std::chrono::milliseconds kBetweenLooks{1};
 
 /// With no keyboard known, the lights are those of the first one that is open.
 void adoptLedKeyboard(const InputDeviceList& keyboards, Lights& lights) {
@@ -58,8 +60,8 @@ class Listener {
     ConsoleSink sink_{state_};
     Intake intake_{devices_};
     const WaitingPlace place_{intake_};
+    const DeferredLog log_;
     Serving serving_{devices_, state_, sink_};
-    unsigned passes_ = 0;  ///< since the last wait
 };
 
 void Listener::begin() {
@@ -85,11 +87,10 @@ void Listener::begin() {
 /// time: a keyboard need not wait until a mouse is silent.
 bool Listener::waitAndServe() {
     if (!serving_.hasWork()) {
-        passes_ = 0;
         return intake_.waitForRecords() && serving_.pass();
     }
     allowCancel();
-    if (++passes_ % kPassesBetweenLooks == 0) {
+    if (intake_.sinceLastLook() > kBetweenLooks) {
         intake_.refill();
     }
     return serving_.pass();
