@@ -100,6 +100,22 @@ TEST_F(Timing, AKeyOnItsWayIsLetGoOfBehindTheHandoverAndAtTheEnd) {
     }
 }
 
+TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
+    start();
+    board().write("data/tav_rik.ini", "edited\n");  // so that there is something to save
+    hold("save", 800);
+    board().plugMouse(2);
+    awaitHeld();
+    const auto pressed = Clock::now();
+    board().key(kKeyboard, KEY_A, true);
+    const auto report = box(kFirstBox).next(Milliseconds{2000});
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->text, "key down A");
+    EXPECT_LT(report->when - pressed, Milliseconds{400});
+    expectReport(kFirstBox, "keys up");  // once the old listener is stopped
+    expectReport(kFirstBox, "lights caps off num off");
+}
+
 TEST_P(TheEnd, LetsGoOfWhatIsDown) {
     const Busy& busy = GetParam();
     std::atomic<bool> deaf{false};
