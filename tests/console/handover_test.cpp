@@ -71,6 +71,8 @@ struct Busy {
     bool saving = false;
     int resyncing = 0;        ///< ms since a resync began: 50 of lights, then 20 of a query
     bool deafReader = false;  ///< nobody reads the log
+
+    friend void PrintTo(const Busy& busy, std::ostream* out) { *out << busy.name; }
 };
 
 class TheEnd : public Timing, public testing::WithParamInterface<Busy> {};

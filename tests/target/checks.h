@@ -52,5 +52,6 @@ void checkLights(Console& console);
 void checkHotPlug(Console& console);
 void checkPulledWhileHeld(Console& console);
 void checkPanels(Console& console);
+void checkQuickHands(Console& console);
 void checkQuickHotPlugs(Console& console);
 void checkEndurance(Console& console);

@@ -72,11 +72,17 @@ void checkStart(Console& console, const std::string& registers) {
         "printf '%s=\\n' kUdpServerPort kActKeyEvent kHotkeymap kHotCmd0 kHotCmd1 kHotCmd2"
         " >/data/tav_rik.ini");
     machine.shell(std::string("printf 'kOutNum=1\\nkOutIpmap0=0,0,127.0.0.1#0,0,") + kBox +
-                  "\\n' >>/data/tav_rik.ini");
-    machine.start(std::string("mkfifo /run/answer; exec 3<>/run/answer; tavrik-target-guest box ") +
-                  kBox + " <&3 &");
+                  "#1,0,127.0.0.32\\n' >>/data/tav_rik.ini");
+    machine.start(
+        std::string("mkfifo /run/answer; exec 3<>/run/answer; tavrik-target-guest box box ") +
+        kBox + " <&3 &");
     machine.start("echo 'vi_w=1920&vi_h=1080&kvm=abs&' >&3");
     machine.await("box answers");
+    machine.start(
+        "mkfifo /run/right; exec 6<>/run/right; tavrik-target-guest box right 127.0.0.32 <&6 &");
+    machine.start("echo 'vi_w=1920&vi_h=1080&kvm=abs&' >&6");
+    machine.await("right answers");
+    machine.shell("mkdir /data/lib");  // an OSD runs here: three Shifts are no command
     startDaemon(console);
     const std::string version = machine.await("version:BOARD");
     console.checks.equal("the board is known", std::string("version:") + board, version);

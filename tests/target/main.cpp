@@ -72,6 +72,7 @@ void run(bool arm, char** files, const std::string& disk, Checks& checks) {
     if (arm) {
         checkPulledWhileHeld(console);
         checkPanels(console);
+        checkQuickHands(console);
         checkQuickHotPlugs(console);
         checkEndurance(console);
         unlink(registers.c_str());
