@@ -147,7 +147,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
     }
     screenKey_ = place;
     getCurrentInfo_(&screenKey_, true);
-    selectInputOfCell();
+    GetCurInip(kCellInUse, nullptr);
     const BoxInControl box = boxInControl();
     std::printf("kvmset outIp:%s detail get curIp=%s\n", box.curOutIp.c_str(), box.curIp.c_str());
     console_.duties.hotPlugFlag = 1;
@@ -159,7 +159,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
 void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
     forgetName();
-    selectInputOfCell();
+    GetCurInip(kCellInUse, nullptr);
     const BoxInControl box = boxInControl();
     std::printf("kvmset get curName=%s curIp=%s\n", box.curName.c_str(), box.curIp.c_str());
     tellPointer(console_.motion);

@@ -69,7 +69,7 @@ void Listener::begin() {
     devices_.listenerAlive = 1;
     intake_.buildReadSet();
     adoptLedKeyboard(devices_.keyDevices, state_.console.lights);
-    selectInputOfCell();
+    GetCurInip(kCellInUse, nullptr);
     printSelection();
     setTouchInput(state_.console.touchInputIp);
     if (devices_.touchDevices.count > 0 &&

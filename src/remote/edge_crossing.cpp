@@ -118,7 +118,7 @@ unsigned cross(ConsoleState& state, Direction direction) {
     if (direction == Direction::kRight && !within) {
         std::printf("start inkey:%u\n", currentInKey());
     }
-    if (selectInputOfCell()) {
+    if (GetCurInip(kCellInUse, nullptr) == 1) {
         bringBoxUpToDate(state);
         notifyOsd();
         printSuccess(direction, within);

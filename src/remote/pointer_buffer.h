@@ -6,6 +6,10 @@
 
 /// The 10-byte absolute report that pointer events add up in: buttons, wheel and position stay
 /// until they change. Any thread, each on a buffer of its own.
+///
+///   left down   buttons 01        touch down   01
+///   right down  buttons 03        right down   03
+///   left up     buttons 00        touch up     00
 
 /// Header, wheel byte (the low 8 bits of `wheel`) and position.
 void preparePointer(std::uint8_t* buf, std::int32_t wheel, const Position& at);

@@ -60,11 +60,11 @@ struct CellNames {
 
 unsigned inKeyOf(const currentCtl& now) { return gridKey(now.cellX, now.cellY); }
 
-/// The names of cell `inKey`, or of the current cell when there is none.
-CellNames namesOf(std::optional<unsigned> inKey) {
+/// The names of cell `inKey`.
+CellNames namesOf(unsigned inKey) {
     return currentInfo.with([inKey](const currentCtl& now) {
         CellNames names{placeOf(now), now.screen.name, std::nullopt};
-        const auto cell = now.screen.cells.find(inKey.value_or(inKeyOf(now)));
+        const auto cell = now.screen.cells.find(inKey == kCellInUse ? inKeyOf(now) : inKey);
         if (cell != now.screen.cells.end()) {
             names.cell = cell->second.name;
         }
@@ -137,8 +137,8 @@ BoxInControl selected(BoxInControl box, const Selection& selection) {
 }
 
 /// Gives control to the box of that cell; where the current cell changed meanwhile, to its box.
-Selection giveControl(std::optional<unsigned> inKey) {
-    for (int attempt = 1;; ++attempt, inKey.reset()) {
+Selection giveControl(unsigned inKey) {
+    for (int attempt = 1;; ++attempt, inKey = kCellInUse) {
         const CellNames names = namesOf(inKey);
         const Selection selection = lookUp(names);
         const bool last = attempt == kMostSelections;
@@ -172,11 +172,11 @@ int get_in_port(const char* name) {
 
 int GetCurInip(unsigned inKey, char* ipOut) {
     const Selection selection = giveControl(inKey);
-    std::memcpy(ipOut, selection.ip.c_str(), AddressText::kSize);
+    if (ipOut != nullptr) {
+        std::memcpy(ipOut, selection.ip.c_str(), AddressText::kSize);
+    }
     return selection.found ? 1 : 0;
 }
-
-bool selectInputOfCell() { return giveControl(std::nullopt).found; }
 
 int MouseTo(ConsoleState& state, int x, int y) {
     releaseInput(nullptr);
@@ -190,7 +190,7 @@ int MouseTo(ConsoleState& state, int x, int y) {
     }
     const unsigned outKey = gridKey(static_cast<unsigned>(x), static_cast<unsigned>(y));
     getCurrentInfo_(&outKey, true);
-    if (selectInputOfCell()) {
+    if (GetCurInip(kCellInUse, nullptr) == 1) {
         bringBoxUpToDate(state);
     } else {
         std::puts("error can not get input ip");

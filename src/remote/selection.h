@@ -10,14 +10,14 @@
 /// The in key of the current cell.
 unsigned currentInKey();
 
-/// Gives control to the box of cell `inKey` of the current screen, in one step: until then
-/// everything goes to the box before it. Its address goes to `ipOut` (20 bytes). Returns 1; 0 with
-/// one line when the screen has no such cell, then no box has control and `ipOut` is empty. Should
-/// another thread enter another cell meanwhile, that cell's box is taken.
-int GetCurInip(unsigned inKey, char* ipOut);
+/// In place of an in key: the current cell, looked up in the step that gives its box control.
+inline constexpr unsigned kCellInUse = 0xFFFFFFFF;
 
-/// The same for the current cell. False when it has no box.
-bool selectInputOfCell();
+/// Gives control to the box of cell `inKey` of the current screen, in one step: until then
+/// everything goes to the box before it. Its address goes to `ipOut` (20 bytes, or null). Returns
+/// 1; 0 with one line when the screen has no such cell, then no box has control and `ipOut` is
+/// empty. Should another thread enter another cell meanwhile, that cell's box is taken.
+int GetCurInip(unsigned inKey, char* ipOut);
 
 /// The decimal number after the first "-" of a map name, 0 to 65535; 0 when there is none, with one
 /// line when it is no port offset. Any thread.

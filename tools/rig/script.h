@@ -10,7 +10,7 @@
 #include "rig/world.h"
 
 /// Golden scripts: what goes in and what must come out, one step a line.
-/// tests/console/scripts/README.md describes them for their writers.
+/// tools/rig/SCRIPTS.md describes them for their writers.
 namespace rig {
 
 struct ScriptEvent {

@@ -65,7 +65,7 @@ class Handover : public RemoteState {
         console.motion.remoteDx = 5;
     }
     static void select() {
-        printedBy([] { selectInputOfCell(); });
+        printedBy([] { GetCurInip(kCellInUse, nullptr); });
     }
     void press(const BoxReport& report) { sendReport(report, console.motion); }
     /// The first `beforeSend` of `bytes` is `run`.
@@ -93,8 +93,8 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
         {"edge", [&] { cross(console, Direction::kRight); }, true, true},
         {"arrow", [&] { crossByArrow(console, Direction::kRight); }, true, true},
         {"MTO", [&] { MouseTo(console, 1, 0); }, true, true},
-        {"a cell selected", [] { placeCell(1, 0), selectInputOfCell(); }, false, true},
-        {"a cell that is not there", [] { placeCell(7, 7), selectInputOfCell(); }},
+        {"a cell selected", [] { placeCell(1, 0), GetCurInip(kCellInUse, nullptr); }, false, true},
+        {"a cell that is not there", [] { placeCell(7, 7), GetCurInip(kCellInUse, nullptr); }},
         {"stop", [] { stopControl(); }},
         {"another port", [] { setInputPort(81); }},
         {"the loss of devices", [] { letGoOfEverything(); }}};
@@ -194,7 +194,7 @@ TEST_F(Handover, WhateverComesInBetweenNothingStaysDown) {
         }
         return std::all_of(up.begin(), up.end(), [](const auto& form) { return form.second; });
     };
-    const auto enter = [](unsigned x) { placeCell(x, 0), selectInputOfCell(); };
+    const auto enter = [](unsigned x) { placeCell(x, 0), GetCurInip(kCellInUse, nullptr); };
     const std::pair<const char*, std::function<void()>> firsts[] = {
         {"key", [&] { press(kKeyA); }},
         {"button", [&] { press(kButton); }},
@@ -272,7 +272,7 @@ TEST_F(Handover, AResyncLeavesADutyThatCameMeanwhile) {
     const std::tuple<const char*, std::function<void()>, int> rows[] = {
         {"nothing", [] {}, 0},
         {"a new duty", [&] { console.duties.hotPlugFlag = 1; }, 1},
-        {"control moves on", [] { placeCell(1, 0), selectInputOfCell(); }, 1}};
+        {"control moves on", [] { placeCell(1, 0), GetCurInip(kCellInUse, nullptr); }, 1}};
     for (const auto& [name, meanwhile, due] : rows) {
         begin();
         console.duties.hotPlugFlag = 1;
