@@ -192,12 +192,13 @@ void LogQueue::writeOut() {
             const std::lock_guard hold(guard_);
             advance(written);
         }
+        const int fd = batch_.fd;
         owner_ = Owner::kNobody;
         if (!more) {
             return;
         }
         if (written == 0) {
-            pollfd room{batch_.fd, POLLOUT, 0};
+            pollfd room{fd, POLLOUT, 0};
             poll(&room, 1, -1);
         }
     }

@@ -133,6 +133,7 @@ TEST(LogQueue, NobodyWaitsForAStalledTerminalButTheWriter) {
                                       std::max<ssize_t>(read(terminal, buffer.data(), 4096), 0)));
     }
     EXPECT_EQ(got.size(), 8000U) << "a terminal turns a line end into two characters";
+    EXPECT_TRUE(queue->waitUntilWritten(1000));
     close(line);
     close(terminal);
 }
