@@ -1,0 +1,50 @@
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "rig/isolation.h"
+#include "rows.h"
+
+namespace {
+
+int run(int argc, char** argv) {
+    CLI::App app("What the console costs and how fast it is, beside a bare loop.");
+    bool budget = false;
+    std::string json;
+    std::string only;
+    app.add_flag("--budget", budget, "Only what is judged; exit status 1 when a limit is exceeded");
+    app.add_option("--json", json, "Write the table to this file too");
+    app.add_option("--only", only, "One group: delays, speed, mice, logs, costs or rest");
+    CLI11_PARSE(app, argc, argv);
+    rig::enterOwnNetwork();
+    Table table;
+    if (budget) {
+        judgeBudget(table);
+        return table.allKept() ? 0 : 1;
+    }
+    const std::pair<const char*, void (*)(Table&)> groups[] = {
+        {"delays", measureDelays}, {"speed", measureFullSpeed}, {"mice", measureMice},
+        {"logs", measureLogs},     {"costs", measureCosts},     {"rest", measureRest}};
+    for (const auto& [name, measure] : groups) {
+        if (only.empty() || only == name) {
+            measure(table);
+        }
+    }
+    table.print();
+    return json.empty() || table.writeJson(json) ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "tavrik-bench: %s\n", problem.what());
+        return 1;
+    }
+}
