@@ -1,6 +1,7 @@
 #include "app/log_output.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -19,6 +20,7 @@ constexpr unsigned kCrashSeconds = 1;
 constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
 constexpr int kDetached = 1;
+constexpr int kNice = 10;
 
 bool writerRuns = false;
 volatile std::sig_atomic_t crashSignal = SIGABRT;
@@ -70,7 +72,9 @@ void catchCrashes() {
     }
 }
 
+/// It stands back behind the threads that carry input.
 [[noreturn]] void* writeLog(void* /*unused*/) {
+    setpriority(PRIO_PROCESS, 0, kNice);  // of this thread alone
     for (;;) {
         logQueue().wait();
         logQueue().writeOut();

@@ -1,7 +1,5 @@
 #include "input/console_sink.h"
 
-#include <cstdio>
-
 #include "base/waiting.h"
 #include "remote/edge_crossing.h"
 #include "remote/handover.h"
@@ -18,6 +16,7 @@ void ConsoleSink::toOsd(OsdPort port, std::span<const std::uint8_t> bytes) {
 }
 
 void ConsoleSink::command(const Command& command) {
+    lines_.print();
     switch (command.order) {
         case Order::kResync:
             resync(state_.console);
@@ -41,6 +40,9 @@ void ConsoleSink::command(const Command& command) {
     state_.box = boxInControl();
 }
 
-void ConsoleSink::pause(std::int64_t microseconds) { sleepMicroseconds(microseconds); }
+void ConsoleSink::pause(std::int64_t microseconds) {
+    lines_.print();
+    sleepMicroseconds(microseconds);
+}
 
-void ConsoleSink::print(const char* format, va_list arguments) { std::vprintf(format, arguments); }
+void ConsoleSink::print(const char* format, va_list arguments) { lines_.add(format, arguments); }

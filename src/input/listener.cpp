@@ -87,13 +87,18 @@ void Listener::begin() {
 /// time: a keyboard need not wait until a mouse is silent.
 bool Listener::waitAndServe() {
     if (!serving_.hasWork()) {
-        return intake_.waitForRecords() && serving_.pass();
+        if (!intake_.waitForRecords()) {
+            return false;
+        }
+    } else {
+        allowCancel();
+        if (intake_.sinceLastLook() > kBetweenLooks) {
+            intake_.refill();
+        }
     }
-    allowCancel();
-    if (intake_.sinceLastLook() > kBetweenLooks) {
-        intake_.refill();
-    }
-    return serving_.pass();
+    const bool goesOn = serving_.pass();
+    sink_.printLines();
+    return goesOn;
 }
 
 }  // namespace
