@@ -174,16 +174,17 @@ void measureCosts(Table& table) {
 }
 
 void judgeBudget(Table& table) {
-    constexpr double kLimits[] = {3.1, 6.1, 4};
-    const double* limit = kLimits;
-    for (const Kind* kind : {&kMovement, &kSingleKey, &kBurst}) {
-        progress(std::string("system calls of ") + kind->name);
-        table.judge(std::string("system calls of ") + kind->name, total(systemCalls(*kind)),
-                    *limit++);
+    const struct {
+        const Kind& kind;
+        double calls, instructions;  ///< at most; 0: not judged
+    } limits[] = {{kMovement, 3.1, 4500}, {kSingleKey, 6.1, 8600}, {kBurst, 4, 0}};
+    for (const auto& [kind, calls, most] : limits) {
+        progress(std::string("costs of ") + kind.name);
+        table.judge(std::string("system calls of ") + kind.name, total(systemCalls(kind)), calls);
+        if (most > 0) {
+            table.judge(std::string("instructions of ") + kind.name,
+                        instructionsOfOne(Program::kConsole, kind), most);
+        }
     }
-    progress("instructions of a movement");
-    table.judge("instructions of a movement, times the plain loop's",
-                instructionsOfOne(Program::kConsole, kMovement) /
-                    instructionsOfOne(Program::kPlainLoop, kMovement),
-                4);
+    table.judge("processor time of a movement over the plain loop's", cpuRatioAtFullSpeed(), 0.7);
 }

@@ -112,6 +112,16 @@ void measureDelays(Table& table) {
     }
 }
 
+double cpuRatioAtFullSpeed() {
+    progress("full speed");
+    Subject console({Program::kConsole}), plain({Program::kPlainLoop});
+    std::vector<double> ratios;
+    for (int round = 0; round < kRounds; ++round) {
+        ratios.push_back(fullSpeed(console).cpu / fullSpeed(plain).cpu);
+    }
+    return median(ratios);
+}
+
 void measureFullSpeed(Table& table) {
     progress("full speed");
     auto three = std::make_unique<Three>();

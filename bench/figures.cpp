@@ -25,7 +25,7 @@ void Table::addMissing(std::string_view name, std::string_view why) {
 }
 
 void Table::judge(std::string_view name, double value, double limit) {
-    const bool good = value <= limit;
+    const bool good = value >= 0 && value <= limit;
     kept_ = kept_ && good;
     std::printf("%s  %.*s: %.2f (at most %.2f)\n", good ? "ok  " : "FAIL",
                 static_cast<int>(name.size()), name.data(), value, limit);

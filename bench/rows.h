@@ -11,5 +11,8 @@ void measureLogs(Table& table);       ///< a key's delay whatever happens to the
 void measureCosts(Table& table);      ///< system calls and instructions
 void measureRest(Table& table);       ///< start, idle, memory, a crossing
 
-/// What is judged: system calls, and processor time against the plain loop.
+/// The console's processor time a movement at full speed, over the plain loop's.
+double cpuRatioAtFullSpeed();
+
+/// What is judged: system calls and instructions, which are exact, and that ratio.
 void judgeBudget(Table& table);

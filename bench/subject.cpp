@@ -16,6 +16,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "rig/daemon.h"
+
 extern char** environ;
 
 namespace {
@@ -88,7 +90,7 @@ void Subject::prepareConsole(int mice) {
 void Subject::launch(const Options& options) {
     std::vector<std::string> words = options.before;
     if (options.program == Program::kConsole) {
-        words.insert(words.end(), {TAVRIK_BIN, "--root", board_->root().string()});
+        words.insert(words.end(), {rig::Daemon::programPath(), "--root", board_->root().string()});
     } else {
         words.insert(words.end(), {options.program == Program::kPlainLoop ? PLAIN_LOOP : BATCH_LOOP,
                                    kAddress, std::to_string(port_)});
