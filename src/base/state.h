@@ -52,7 +52,8 @@ inline Flag vr_mouse{0};      ///< the pointer is mirrored to the output box; no
 
 inline Guarded<AddressText> localip;  ///< this board's own address
 
-/// The addresses of ./ip.txt. Written once, before the threads of start-up exist; read-only afterwards.
+/// The addresses of ./ip.txt. Written once, before the threads of start-up exist; read-only
+/// afterwards.
 inline std::vector<AddressText> user_ip;
 inline Shared<std::int32_t> user_n{0};
 

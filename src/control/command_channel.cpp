@@ -127,7 +127,7 @@ void CommandChannel::details(const std::string& text) {
     }
     getTouchIp(console_.touchInputIp, text);
     console_.duties.hotPlugFlag = 1;
-    osdIpMapSet(map, "in", &screenKey_);
+    osdIpMapSet(map, "in", nullptr);
     if (startFlag) {
         selectAfterRelation();
     } else {
@@ -145,8 +145,7 @@ void CommandChannel::reselectScreen(const std::string& map) {
     if (!console_.modes.osdFlag && !given.view().starts_with(screen.view())) {
         return;
     }
-    screenKey_ = place;
-    getCurrentInfo_(&screenKey_, true);
+    getCurrentInfo_(&place, true);
     GetCurInip(kCellInUse, nullptr);
     const BoxInControl box = boxInControl();
     std::printf("kvmset outIp:%s detail get curIp=%s\n", box.curOutIp.c_str(), box.curIp.c_str());
@@ -160,6 +159,7 @@ void CommandChannel::selectAfterRelation() {
     getCurrentInfo(nullptr, localip.copy().c_str());
     forgetName();
     GetCurInip(kCellInUse, nullptr);
+    console_.duties.hotPlugFlag = 1;
     const BoxInControl box = boxInControl();
     std::printf("kvmset get curName=%s curIp=%s\n", box.curName.c_str(), box.curIp.c_str());
     tellPointer(console_.motion);

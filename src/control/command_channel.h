@@ -56,7 +56,6 @@ class CommandChannel {
     ConsoleState& console_;
     const DeviceCounts& counts_;
     std::string lastRelation_;
-    unsigned screenKey_ = 0;
     int mouseX_ = 0;
     int mouseY_ = 0;
 };

@@ -18,17 +18,22 @@ struct Standing {
     Count cell, cells, screen;
     AddressText name;
     Position pointer;
+
+    bool isSamePlace(const Standing& other) const {
+        return cell == other.cell && cells == other.cells && screen == other.screen &&
+               name == other.name;
+    }
 };
 
-Standing standing() {
-    return currentInfo.with([](const currentCtl& now) {
-        return Standing{cellOf(now),
-                        {now.screen.columns, now.screen.rows},
-                        screenOf(now),
-                        now.screen.name,
-                        pointerOf(now)};
-    });
+Standing standingIn(const currentCtl& now) {
+    return {cellOf(now),
+            {now.screen.columns, now.screen.rows},
+            screenOf(now),
+            now.screen.name,
+            pointerOf(now)};
 }
+
+Standing standing() { return currentInfo.with(standingIn); }
 
 Count wallSize() {
     return outInfo_.with([](const outInf& wall) { return Count{wall.columns, wall.rows}; });
@@ -86,12 +91,16 @@ void putPointer(Axis axis, std::int32_t to) {
     currentInfo.with([=](currentCtl& now) { setPointer(now, axis, to); });
 }
 
-/// One cell on, or the neighbouring screen with the cell that its selection sets.
+/// One cell on, or the neighbouring screen with the cell that its selection sets. A cell that
+/// another thread entered meanwhile, or a screen that it cut anew, stays as it is.
 void step(const DirectionRow& row, const Standing& at, bool within) {
     if (within) {
         const std::uint32_t cell = next(row, at.cell[row.axis]);
-        currentInfo.with(
-            [&](currentCtl& now) { (row.axis == Axis::kX ? now.cellX : now.cellY) = cell; });
+        currentInfo.with([&](currentCtl& now) {
+            if (standingIn(now).isSamePlace(at)) {
+                (row.axis == Axis::kX ? now.cellX : now.cellY) = cell;
+            }
+        });
         return;
     }
     Count screen = at.screen;

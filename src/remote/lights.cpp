@@ -47,6 +47,9 @@ int syncLed(Lights& lights, bool send) {
 }
 
 void queryBox(Duties& duties) {
+    if (boxInControl().is_user_ip) {
+        return;  // it has got control meanwhile; its size is fixed
+    }
     duties.queryInProgress = 0;
     getChipVersion();
     duties.queryInProgress = 1;
@@ -59,6 +62,9 @@ void bringBoxUpToDate(ConsoleState& state) {
     }
     syncLed(state.lights, true);
     queryBox(state.duties);
+    if (boxInControl().serial != box.serial) {
+        state.duties.hotPlugFlag = 1;  // its query may have gone to another
+    }
 }
 
 bool resyncIsDue(const ConsoleState& state, const BoxInControl& box) {

@@ -10,10 +10,12 @@
 /// and gives it 50 ms. Returns 1, or 0 with one line when no keyboard is known.
 int syncLed(Lights& lights, bool send);
 
-/// Asks the box in control for its picture with the query-in-progress byte cleared, then sets it.
+/// Asks the box in control for its picture with the query-in-progress byte cleared, then sets it;
+/// a user-list box is not asked.
 void queryBox(Duties& duties);
 
-/// Lights and query of a newly selected box; nothing for "0.0.0.0" and for user-list boxes.
+/// Lights and query of a newly selected box; nothing for "0.0.0.0" and for user-list boxes. Due
+/// again when control moved on meanwhile.
 void bringBoxUpToDate(ConsoleState& state);
 
 /// True when lights and picture are due and may be brought up to date now.

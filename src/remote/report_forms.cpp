@@ -25,6 +25,9 @@ Message keysFor(const BoxInControl& box, Bytes report) {
 /// A pointer report in the form that the box takes.
 Message pointerFor(const BoxInControl& box, const AddressText& ip, Bytes report, Motion& motion) {
     if (box.is_user_ip) {
+        if (box.rel_enable) {
+            motion.takeRemote();  // told, though not as motion
+        }
         return userPointer(ip, report, pointerPosition());
     }
     if (box.rel_enable) {

@@ -38,8 +38,8 @@ void tellPointer(Motion& motion);
 /// All keys up at the box in control, in binary. Returns 1.
 int releaseKey();
 
-/// Everything up: the pointer parked in the top right corner and all keys up, or the user-list
-/// keyboard report alone; to `ip`, or to the box in control when it is null. Returns 1.
+/// Keys and absolute buttons up: the pointer parked in the top right corner and all keys up, or the
+/// user-list keyboard report alone; to `ip`, or to the box in control when it is null. Returns 1.
 int releaseInput(const char* ip);
 
 /// As for a pause: the reverse of releaseInput's forms. Returns 0.

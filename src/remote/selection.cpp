@@ -56,20 +56,20 @@ struct CellNames {
     WallPlace seenFrom;
     AddressText screen;
     std::optional<AddressText> cell;
+
+    friend bool operator==(const CellNames&, const CellNames&) = default;
 };
 
 unsigned inKeyOf(const currentCtl& now) { return gridKey(now.cellX, now.cellY); }
 
 /// The names of cell `inKey`.
-CellNames namesOf(unsigned inKey) {
-    return currentInfo.with([inKey](const currentCtl& now) {
-        CellNames names{placeOf(now), now.screen.name, std::nullopt};
-        const auto cell = now.screen.cells.find(inKey == kCellInUse ? inKeyOf(now) : inKey);
-        if (cell != now.screen.cells.end()) {
-            names.cell = cell->second.name;
-        }
-        return names;
-    });
+CellNames namesIn(const currentCtl& now, unsigned inKey) {
+    CellNames names{placeOf(now), now.screen.name, std::nullopt};
+    const auto cell = now.screen.cells.find(inKey == kCellInUse ? inKeyOf(now) : inKey);
+    if (cell != now.screen.cells.end()) {
+        names.cell = cell->second.name;
+    }
+    return names;
 }
 
 /// Everything that changes when a box gets control; what stays as it is has no value.
@@ -136,15 +136,16 @@ BoxInControl selected(BoxInControl box, const Selection& selection) {
     return box;
 }
 
-/// Gives control to the box of that cell; where the current cell changed meanwhile, to its box.
+/// Gives control to the box of that cell; where the current cell, or what it shows, changed
+/// meanwhile, to the box that it shows then.
 Selection giveControl(unsigned inKey) {
     for (int attempt = 1;; ++attempt, inKey = kCellInUse) {
-        const CellNames names = namesOf(inKey);
+        const auto look = [inKey](const currentCtl& now) { return namesIn(now, inKey); };
+        const CellNames names = currentInfo.with(look);
         const Selection selection = lookUp(names);
         const bool last = attempt == kMostSelections;
         const bool done = handOver([&](const BoxInControl& old) -> std::optional<BoxInControl> {
-            const bool stands = currentInfo.with(
-                [&](const currentCtl& now) { return placeOf(now) == names.seenFrom; });
+            const bool stands = currentInfo.with(look) == names;
             return stands || last ? std::optional(selected(old, selection)) : std::nullopt;
         });
         if (done) {

@@ -25,5 +25,5 @@ int get_in_port(const char* name);
 
 /// A command puts control on screen `x`,`y` of the wall, cell 0,0, with the pointer at 100,100;
 /// lights and query of the new box are done inside. Returns 1, or 0 with one line when the wall has
-/// no such place; the box in control is let go of in both cases.
+/// no such place; keys and absolute buttons are let go of in both cases.
 int MouseTo(ConsoleState& state, int x, int y);

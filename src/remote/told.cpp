@@ -34,11 +34,6 @@ std::vector<Datagram> Told::takeReleases() {
     return releases;
 }
 
-bool Told::nothingIsDown() const {
-    return std::none_of(forms_.begin(), forms_.end(),
-                        [](const Memory& memory) { return memory.down.has_value(); });
-}
-
 std::optional<Datagram> releaseOf(const Datagram& sent) {
     const wire::FormRow* form = wire::formOf(sent.content());
     if (form == nullptr || !wire::isDown(*form, sent.content())) {

@@ -29,8 +29,6 @@ class Told {
     /// Takes out everything that is down: one datagram a form, to where it was told, that lets go.
     std::vector<Datagram> takeReleases();
 
-    bool nothingIsDown() const;
-
  private:
     struct Memory {
         std::optional<Datagram> down;

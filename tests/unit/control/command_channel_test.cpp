@@ -4,8 +4,10 @@
 #include "config/software_config.h"
 #include "control/hotkey_table.h"
 #include "control/mouse_to.h"
+#include "remote/edge_crossing.h"
 #include "remote/lights.h"
 #include "remote/reports.h"
+#include "remote/selection.h"
 #include "unit/remote/between.h"
 #include "unit/remote/remote_state.h"
 
@@ -102,27 +104,59 @@ TEST_F(Commands, AModeIsSetBeforeItsWordsAndWhatIsDownIsLetGo) {
 /// A moving mouse at every step of "details": it looks whether lights and picture are due.
 TEST_F(Commands, AfterDetailsTheNewBoxIsBroughtUpToDateOrDueForIt) {
     const Receiver old{"127.0.0.32"};
-    startFlag = 0;
-    bool more = true;
-    int moment = 0;
-    for (; more; ++moment) {
-        order("details&10.0.0.1#0,0," + old.name());
-        console.duties.hotPlugFlag = 0;
-        box.all();
-        printedBy([&] {
-            more = interrupted(
-                moment, [&] { channel.handle("details&10.0.0.1#0,0," + box.name()); },
-                [&] {
-                    if (resyncIsDue(console, boxInControl())) {
-                        resync(console);
-                    }
-                });
-        });
-        EXPECT_TRUE(console.duties.hotPlugFlag ||
-                    box.all().find("6c 69 6e 6b") != std::string::npos)
-            << "step " << moment;
+    for (const bool awaitsTheFirst : {false, true}) {
+        bool more = true;
+        int moment = 0;
+        for (; more; ++moment) {
+            startFlag = 0;
+            order("details&10.0.0.1#0,0," + old.name());
+            startFlag = awaitsTheFirst;
+            console.duties.hotPlugFlag = 0;
+            box.all();
+            printedBy([&] {
+                more = interrupted(
+                    moment, [&] { channel.handle("details&10.0.0.1#0,0," + box.name()); },
+                    [&] {
+                        if (resyncIsDue(console, boxInControl())) {
+                            resync(console);
+                        }
+                    });
+            });
+            EXPECT_TRUE(console.duties.hotPlugFlag ||
+                        box.all().find("6c 69 6e 6b") != std::string::npos)
+                << "step " << moment;
+        }
+        EXPECT_GT(moment, 20);
     }
-    EXPECT_GT(moment, 20);
+}
+
+/// "details" at every step of a selection and of a crossing: who has control is what the cell
+/// shows.
+TEST_F(Commands, ControlIsWithTheBoxThatTheCellShowsNow) {
+    startFlag = 0;
+    const std::function<void()> ways[] = {[] { GetCurInip(kCellInUse, nullptr); },
+                                          [&] { cross(console, Direction::kRight); }};
+    const auto shown = [] {
+        const auto names = currentInfo.with([](const currentCtl& now) { return now.screen.cells; });
+        const auto cell = names.find(currentInKey());
+        return cell == names.end() ? AddressText{} : cell->second.name;
+    };
+    for (const auto& way : ways) {
+        bool more = true;
+        int moment = 0;
+        for (; more; ++moment) {
+            buildWall({"0,0,10.0.0.1#0,0,127.9.0.1#1,0,127.9.0.3", "1,0,10.0.0.2#0,0,127.9.0.2"},
+                      "10.0.0.1");
+            order("details&10.0.0.1#0,0,127.9.0.1#1,0,127.9.0.3");
+            printedBy([&] {
+                more = interrupted(moment, way,
+                                   [&] { channel.handle("details&10.0.0.1#0,0,127.9.0.8"); });
+            });
+            EXPECT_EQ(boxInControl().curName, shown()) << "step " << moment;
+            EXPECT_FALSE(boxInControl().isNone()) << "step " << moment;
+        }
+        EXPECT_GT(moment, 3);
+    }
 }
 
 TEST_F(Commands, TouchAddressIsTakenFromASingleEntry) {

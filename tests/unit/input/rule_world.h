@@ -39,9 +39,8 @@ class WrittenSink : public Sink {
             (modes.previewMode ? " +preview" : "") + (modes.kvmMode ? " +kvm" : ""));
     }
     void command(const Command& command) override {
-        static constexpr const char* kOrders[] = {"resync", "read lights", "tell lights", "let go",
-                                                  "cross ",
-                                                  "arrow "};
+        static constexpr const char* kOrders[] = {"resync", "read lights", "tell lights",
+                                                  "let go", "cross ",      "arrow "};
         static constexpr const char* kWays[] = {"left", "right", "up", "down"};
         const bool crosses = command.order >= Order::kCross;
         say(kOrders[static_cast<int>(command.order)] +

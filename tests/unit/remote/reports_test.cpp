@@ -38,7 +38,9 @@ TEST_F(Event, AReportTakesTheFormOfTheBoxAndTheWheelGoesAsItStands) {
     send(kMouseMove, box.ip);
     EXPECT_EQ(box.all(), "57 ab 02 03 00 00 00") << "a contact is told by the next report";
     change([&](BoxInControl& now) { now.is_user_ip = true, now.curIp.assign(user.ip); });
+    console.motion.remoteDx = 9;
     tellPointer(console.motion);
+    EXPECT_EQ(console.motion.takeRemote(), std::pair(0, 0)) << "nothing is left for the next box";
     sendReport(BoxReport::keys(wire::keyboard(0x02, 0x04)), console.motion);
     EXPECT_EQ(user.all(), "4b 00 02 07 00 5a 00 90 00 00 00 | 4b 00 01 08 02 00 04 00 00 00 00 00");
     console.motion.remoteDx = 7;
