@@ -1,6 +1,8 @@
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
@@ -133,11 +135,59 @@ double instructions(Program program, const Kind& kind, int reports) {
     return all;
 }
 
-/// Of one report: the difference of a short and a long run.
-double instructionsOfOne(Program program, const Kind& kind) {
-    const double few = instructions(program, kind, 200);
-    const double many = instructions(program, kind, 1200);
+/// Instructions that the emulator of the board's processor runs, one line of its trace each, while
+/// a program of the build for the board serves so many reports.
+double instructionsEmulated(const std::string& build, Program program, const Kind& kind,
+                            int reports) {
+    const std::string trace = temporaryFile("trace");
+    if (mkfifo(trace.c_str(), 0600) != 0) {
+        return -1;
+    }
+    double all = 0;
+    std::jthread counter([&] {
+        std::ifstream lines(trace);
+        for (std::string line; std::getline(lines, line);) {
+            all += line.starts_with("Trace ") ? 1 : 0;
+        }
+    });
+    {
+        Subject subject({program,
+                         1,
+                         -1,
+                         {"qemu-arm", "-singlestep", "-d", "nochain,exec", "-D", trace},
+                         build});
+        play(subject, kind, reports, 0);
+    }
+    counter.join();
+    std::filesystem::remove(trace);
+    return all;
+}
+
+/// Of one report: the difference of a short and a long run. `build` is the directory of the build
+/// for the board, empty for this machine's.
+double instructionsOfOne(Program program, const Kind& kind, const std::string& build = "") {
+    const auto of = [&](int reports) {
+        return build.empty() ? instructions(program, kind, reports)
+                             : instructionsEmulated(build, program, kind, reports);
+    };
+    const double few = of(200);
+    const double many = of(1200);
     return few < 0 || many < 0 ? -1 : (many - few) / 1000;
+}
+
+void addInstructions(Table& table, const Kind& kind, const std::string& build = "") {
+    const std::string name =
+        "instructions of " + std::string(kind.name) + (build.empty() ? "" : ", ARM");
+    progress(name);
+    std::array<double, 3> counts{};
+    for (const Program program : {Program::kConsole, Program::kPlainLoop, Program::kBatchLoop}) {
+        counts[static_cast<std::size_t>(program)] = instructionsOfOne(program, kind, build);
+    }
+    if (counts[0] < 0) {
+        table.addMissing(name, "it gave no total");
+    } else {
+        table.add(name, "", counts[0], counts[1], counts[2], counts[0] / counts[1]);
+    }
 }
 
 void addCalls(Table& table, const Kind& kind) {
@@ -158,18 +208,13 @@ void measureCosts(Table& table) {
         addCalls(table, *kind);
     }
     for (const Kind* kind : {&kMovement, &kSingleKey}) {
-        progress(std::string("instructions of ") + kind->name);
-        std::array<double, 3> counts{};
-        for (const Program program :
-             {Program::kConsole, Program::kPlainLoop, Program::kBatchLoop}) {
-            counts[static_cast<std::size_t>(program)] = instructionsOfOne(program, *kind);
-        }
-        const std::string name = std::string("instructions of ") + kind->name;
-        if (counts[0] < 0) {
-            table.addMissing(name, "valgrind gave no total");
-        } else {
-            table.add(name, "", counts[0], counts[1], counts[2], counts[0] / counts[1]);
-        }
+        addInstructions(table, *kind);
+    }
+}
+
+void measureArm(Table& table, const std::string& build) {
+    for (const Kind* kind : {&kMovement, &kSingleKey}) {
+        addInstructions(table, *kind, build);
     }
 }
 

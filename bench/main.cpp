@@ -2,6 +2,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <utility>
 
@@ -15,9 +16,12 @@ int run(int argc, char** argv) {
     bool budget = false;
     std::string json;
     std::string only;
+    std::string arm;
     app.add_flag("--budget", budget, "Only what is judged; exit status 1 when a limit is exceeded");
     app.add_option("--json", json, "Write the table to this file too");
     app.add_option("--only", only, "One group: delays, speed, mice, logs, costs or rest");
+    app.add_option("--arm", arm,
+                   "Only instructions of the board's build in this directory, under emulation");
     CLI11_PARSE(app, argc, argv);
     rig::enterOwnNetwork();
     Table table;
@@ -28,8 +32,11 @@ int run(int argc, char** argv) {
     const std::pair<const char*, void (*)(Table&)> groups[] = {
         {"delays", measureDelays}, {"speed", measureFullSpeed}, {"mice", measureMice},
         {"logs", measureLogs},     {"costs", measureCosts},     {"rest", measureRest}};
+    if (!arm.empty()) {
+        measureArm(table, std::filesystem::absolute(arm).string());
+    }
     for (const auto& [name, measure] : groups) {
-        if (only.empty() || only == name) {
+        if (arm.empty() && (only.empty() || only == name)) {
             measure(table);
         }
     }

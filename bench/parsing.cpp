@@ -1,27 +1,83 @@
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
+#include <filesystem>
 #include <string>
+#include <utility>
 
+#include "base/state.h"
 #include "config/config_lines.h"
+#include "config/software_config.h"
 #include "input/key_table.h"
 #include "remote/box_reply.h"
 #include "remote/map_text.h"
+#include "remote/wall_map.h"
 
 namespace {
 
-/// Settings with as many map lines as the table holds.
+constexpr auto kFirstMap = static_cast<std::int64_t>(kFirstMapIndex);
+
+/// The n-th map line of a wall.
+std::string mapLine(std::int64_t n) {
+    return std::to_string(n % 128) + "," + std::to_string(n / 128) +
+           ",192.168.1.20#0,0,192.168.1.31#1,0,192.168.1.32-2";
+}
+
+/// Settings of 16 to 4,089 map lines, as many as the table holds.
 void loadSettings(benchmark::State& state) {
     std::string text;
-    const auto lines = static_cast<unsigned>(state.range(0));
-    for (unsigned index = 0; index < kFirstMapIndex + lines; ++index) {
-        text += settingKey(index) + "0,0,192.168.1.20#0,0,192.168.1.31#1,0,192.168.1.32-2\n";
+    for (std::int64_t line = -kFirstMap; line < state.range(0); ++line) {
+        text += settingKey(static_cast<unsigned>(kFirstMap + line)) + mapLine(line) + "\n";
     }
     for (auto _ : state) {
         benchmark::DoNotOptimize(settingsIn(text));
     }
-    state.SetComplexityN(state.range(0));
 }
-BENCHMARK(loadSettings)->RangeMultiplier(4)->Range(16, 4089)->Complexity();
+
+/// What the console says meanwhile is no part of the table.
+class Silence {
+ public:
+    ~Silence() {
+        std::fclose(stdout);
+        stdout = before_;
+    }
+
+ private:
+    std::FILE* const before_ = std::exchange(stdout, std::fopen("/dev/null", "w"));
+};
+
+/// With its flush to the disk.
+void saveSettings(benchmark::State& state) {
+    const Silence silence;
+    const std::string path = std::filesystem::temp_directory_path() / "tavrik-bench.ini";
+    SoftwareConfig config(path);
+    for (std::int64_t line = 0; line < state.range(0); ++line) {
+        config.SetConfig(static_cast<unsigned>(kFirstMap + line), mapLine(line));
+    }
+    int number = 0;
+    for (auto _ : state) {
+        config.SetConfig(0, ++number);
+        if (!config.SaveConfig()) {
+            state.SkipWithError("cannot save");
+            break;
+        }
+    }
+    std::filesystem::remove(path);
+}
+
+void loadWall(benchmark::State& state) {
+    const Silence silence;
+    for (auto _ : state) {
+        outInfo_.set({});
+        for (std::int64_t line = 0; line < state.range(0); ++line) {
+            CreatOutIpMap(mapLine(line));
+        }
+    }
+}
+
+BENCHMARK(loadSettings)->Arg(16)->Arg(256)->Arg(4089);
+BENCHMARK(saveSettings)->Arg(16)->Arg(256)->Arg(4089)->UseRealTime();
+BENCHMARK(loadWall)->Arg(16)->Arg(256)->Arg(4089);
 
 void findEveryKey(benchmark::State& state) {
     for (auto _ : state) {

@@ -6,7 +6,7 @@ set -euo pipefail
 
 usage() {
     cat <<'TEXT'
-./test --bench [--json FILE] [--only GROUP] [--budget]
+./test --bench [--json FILE] [--only GROUP] [--budget] [--arm]
 
 Installs what is missing (Debian), builds, and prints one table in about three minutes: delays, full speed,
 a key beside busy mice, the log, system calls and instructions of a report, start, idle, memory, and how long
@@ -14,12 +14,14 @@ settings and a wall take. docs/performance.md tells how to read it.
 
   --json FILE   write the table to FILE as well
   --only GROUP  delays, speed, mice, logs, costs, rest or micro
+  --arm         only the instructions of a report of the build for the board, under emulation
   --budget      only what is judged: system calls and instructions; exit status 1 when a limit is exceeded
 TEXT
 }
 
 json=
 only=
+arm=
 options=()
 while (($# > 0)); do
     case $1 in
@@ -37,6 +39,7 @@ while (($# > 0)); do
             only=${2:?--only needs a group}
             shift
             ;;
+        --arm) arm=1 ;;
         *) options+=("$1") ;;
     esac
     shift
@@ -44,8 +47,15 @@ done
 
 cd "$(dirname "$0")/.."
 packages+=(strace valgrind)
+if [[ -n $arm ]]; then
+    packages+=(g++-arm-linux-gnueabihf googletest qemu-user)
+fi
 install_missing
 build release
+if [[ -n $arm ]]; then
+    build arm tavrik tavrik-plain-loop tavrik-batch-loop
+    exec build/release/bench/tavrik-bench --arm build/arm ${options[@]+"${options[@]}"}
+fi
 if [[ $only != micro ]]; then
     build/release/bench/tavrik-bench ${options[@]+"${options[@]}"} ${only:+--only "$only"}
 fi

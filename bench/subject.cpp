@@ -38,6 +38,17 @@ int bindBox(const char* address, std::uint16_t port) {
     return fd;
 }
 
+std::string programOf(const Subject::Options& options) {
+    constexpr const char* kNames[] = {"/tavrik", "/bench/tavrik-plain-loop",
+                                      "/bench/tavrik-batch-loop"};
+    if (!options.build.empty()) {
+        return options.build + kNames[static_cast<std::size_t>(options.program)];
+    }
+    return options.program == Program::kConsole     ? rig::Daemon::programPath()
+           : options.program == Program::kPlainLoop ? PLAIN_LOOP
+                                                    : BATCH_LOOP;
+}
+
 InputRecord record(int type, int code, int value) {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
@@ -89,11 +100,11 @@ void Subject::prepareConsole(int mice) {
 
 void Subject::launch(const Options& options) {
     std::vector<std::string> words = options.before;
+    words.push_back(programOf(options));
     if (options.program == Program::kConsole) {
-        words.insert(words.end(), {rig::Daemon::programPath(), "--root", board_->root().string()});
+        words.insert(words.end(), {"--root", board_->root().string()});
     } else {
-        words.insert(words.end(), {options.program == Program::kPlainLoop ? PLAIN_LOOP : BATCH_LOOP,
-                                   kAddress, std::to_string(port_)});
+        words.insert(words.end(), {kAddress, std::to_string(port_)});
         for (int number = 0; number <= options.mice; ++number) {
             words.push_back(board_->node(number).string());
         }

@@ -36,7 +36,8 @@ class Subject {
         int mice = 1;
         int log = -1;  ///< where its lines go; -1: nowhere
         std::vector<std::string>
-            before{};  ///< a program and its options that run it, such as strace
+            before{};         ///< a program and its options that run it, such as strace
+        std::string build{};  ///< the directory of another build whose programs these are
     };
 
     /// Starts it and waits until it serves its devices. Throws std::runtime_error when it does not.

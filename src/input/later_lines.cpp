@@ -16,8 +16,14 @@ struct Conversion {
     char type = '\0';     ///< '%' for a percent sign
 };
 
+/// A flag, a width or a precision. (strspn would fill a table for each conversion.)
+bool standsBeforeType(char letter) { return letter >= ' ' && letter <= '9' && letter != '%'; }
+
 Conversion conversionAt(const char* percent) {
-    const char* at = percent + 1 + std::strspn(percent + 1, "-+ #0123456789.");
+    const char* at = percent + 1;
+    while (standsBeforeType(*at)) {
+        ++at;
+    }
     const bool isLong = *at == 'l' || *at == 'z';
     at += isLong ? 1 : 0;
     return {{percent, static_cast<std::size_t>(at - percent) + 1}, isLong, *at};

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "checks.h"
+#include "machine/emulator.h"
 
 /// The daemon on a real kernel: start, keys, pointer, lights.
 
@@ -11,8 +12,7 @@ namespace {
 
 constexpr const char* kBox = "127.0.0.31";
 
-/// What the start-up of board A makes of its registers, seen from outside in the file that lies in
-/// the machine at 0x10000000.
+/// What the start-up of board A makes of its registers, seen from outside in their file.
 struct Register {
     long address;
     std::uint8_t before, after;
@@ -25,7 +25,7 @@ constexpr Register kRegisters[] = {
 
 std::fstream registerAt(const std::string& registers, long address) {
     std::fstream file(registers, std::ios::binary | std::ios::in | std::ios::out);
-    file.seekp(address - 0x10000000);
+    file.seekp(address - kRegisterBase);
     return file;
 }
 
