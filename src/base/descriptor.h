@@ -11,6 +11,10 @@ class Descriptor {
     Descriptor& operator=(const Descriptor&) = delete;
 
     operator int() const { return fd_; }
+    void reset(int fd) {
+        close();
+        fd_ = fd;
+    }
     bool close() {
         const int fd = fd_;
         fd_ = -1;

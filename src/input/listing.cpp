@@ -1,5 +1,8 @@
 #include "input/listing.h"
 
+#include <fcntl.h>
+#include <poll.h>
+
 #include <cstdio>
 #include <sstream>
 
@@ -53,6 +56,8 @@ std::string panelNode(std::string_view listing, std::size_t at) {
     return std::string(listing.substr(at, kPanelNodeLength));
 }
 
+std::string listingPath() { return prefixedPath("/proc/bus/input/devices"); }
+
 bool namesKeyboardOrMouse(std::string_view line) {
     return line.find("kbd") != kNowhere || line.find("mouse") != kNowhere;
 }
@@ -82,8 +87,16 @@ DeviceListing takeListing(const std::string& text) {
     return listing;
 }
 
+bool ListingWatch::mayHaveChanged() {
+    if (file_ < 0) {
+        file_.reset(open(listingPath().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    }
+    pollfd changes{file_, POLLIN, 0};
+    return file_ < 0 || poll(&changes, 1, 0) != 0;
+}
+
 DeviceListing loadDeviceListing() {
-    return takeListing(readFileStart(prefixedPath("/proc/bus/input/devices"), kMostRead).text);
+    return takeListing(readFileStart(listingPath(), kMostRead).text);
 }
 
 std::optional<PanelFound> findPanel(std::string_view listing) {

@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
-/// The kernel's input-device listing, read as text. All functions but loadDeviceListing are pure.
+#include "base/descriptor.h"
+
+/// The kernel's input-device listing, read as text. What is not of the supervisor thread is pure.
 
 /// A keyboard may bring three devices of some 500 bytes: eight of them, eight mice, the panels and
 /// a board's own devices fit.
@@ -26,6 +28,18 @@ struct DeviceListing {
 /// Cuts a listing's text to its limits: whole Handlers lines only, and only those that name a
 /// keyboard or a mouse count and can be left out: the first that does not fit and all behind it.
 DeviceListing takeListing(const std::string& text);
+
+/// Spares the reading of a listing that is what it was: the kernel tells by poll(2) on the file.
+/// Supervisor thread.
+class ListingWatch {
+ public:
+    /// Whether the listing may have changed since the call before; true at the first, and for a
+    /// plain file always.
+    bool mayHaveChanged();
+
+ private:
+    Descriptor file_{-1};
+};
 
 /// Reads /proc/bus/input/devices; a file that cannot be read counts as empty. Supervisor thread.
 DeviceListing loadDeviceListing();

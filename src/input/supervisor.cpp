@@ -88,8 +88,13 @@ void Supervisor::restart(const DeviceListing& listing) {
 
 void TimeCheckKeyEvent(InputSlices& slices) {
     Supervisor supervisor(slices);
+    ListingWatch watch;
+    DeviceListing listing;
     for (;;) {
-        supervisor.poll(loadDeviceListing());
+        if (watch.mayHaveChanged() || listing.full.empty()) {
+            listing = loadDeviceListing();
+        }
+        supervisor.poll(listing);
         sleepMicroseconds(kPollMicroseconds);
     }
 }

@@ -1,5 +1,6 @@
 #include "remote/source_query.h"
 
+#include "base/log_queue.h"
 #include "base/state.h"
 #include "base/waiting.h"
 #include "net/udp_socket.h"
@@ -17,11 +18,13 @@ void* viThr(void* /*unused*/) {
     auto* socket = new UDPSocket;  // lives as long as the process
     socket->CreateUDPServer(kViPort, 1, true, true);
     InputViSocket = socket;
+    const DeferredLog log;  // the log's thread wakes once a query, not once a line
     for (;;) {
         const AddressText box = boxInControl().curIp;
         if (!box.empty() && !box.view().starts_with(AddressText::kNone)) {
             TimegetChipVersion();
         }
+        letLogLeave();
         sleepMicroseconds(kQueryPeriodMicroseconds);
     }
 }

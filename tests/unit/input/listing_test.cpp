@@ -178,4 +178,21 @@ TEST_F(Discovery, AFullConsoleFits) {
     EXPECT_EQ(printed.find("too long"), std::string::npos) << text.size();
 }
 
+/// The kernel's own listing tells its changes; nobody plugs anything here. A plain file tells none.
+TEST(ListingWatch, SparesTheReadingOnlyWhereTheKernelTells) {
+    if (!std::filesystem::exists("/proc/bus/input/devices")) {
+        GTEST_SKIP() << "this kernel lists no devices";
+    }
+    ListingWatch kernels;
+    EXPECT_TRUE(kernels.mayHaveChanged());
+    EXPECT_FALSE(kernels.mayHaveChanged());
+    const Root root;
+    ListingWatch files;
+    EXPECT_TRUE(files.mayHaveChanged()) << "none there";
+    std::filesystem::create_directories(root.path("proc/bus/input"));
+    root.put("proc/bus/input/devices", "");
+    EXPECT_TRUE(files.mayHaveChanged());
+    EXPECT_TRUE(files.mayHaveChanged());
+}
+
 }  // namespace
