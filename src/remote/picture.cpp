@@ -13,6 +13,7 @@
 #include "remote/box_change.h"
 #include "remote/box_reply.h"
 #include "remote/direction.h"
+#include "remote/told.h"
 #include "remote/wire.h"
 
 /// The query on selection and the periodic one share their steps; what they print and when they
@@ -103,6 +104,21 @@ void tellNudge(const BoxAnswer& answer) {
     });
 }
 
+/// Takes over the form that the box takes pointer reports in; a button that is down in the other
+/// form is let go of. False when nothing changes.
+bool takeForm(const BoxAnswer& answer, bool relative) {
+    bool switched = false;
+    changeBoxInControl([&](BoxInControl& box, Told& told) {
+        if (box.serial != answer.asked.serial) {
+            return std::vector<Datagram>{};
+        }
+        box.relativeNext = box.relativeNext && !relative;
+        switched = std::exchange(box.rel_enable, relative) != relative;
+        return switched ? told.takeButtonReleases() : std::vector<Datagram>{};
+    });
+    return switched;
+}
+
 /// Switches the pointer mode. Whoever finds a box to be relative first is the one who tells it.
 void applyMode(PointerMode mode, const BoxAnswer& answer) {
     if (mode == PointerMode::kRelative) {
@@ -118,16 +134,10 @@ void applyMode(PointerMode mode, const BoxAnswer& answer) {
         if (first.value_or(false)) {
             std::puts("this input chip relation");
             tellNudge(answer);
-            whileInControl(answer, [](BoxInControl& box, currentCtl&) {
-                box.relativeNext = false;
-                return box.rel_enable = true;
-            });
+            takeForm(answer, true);
         }
     } else if (mode == PointerMode::kAbsolute) {
-        const auto switched = whileInControl(answer, [](BoxInControl& box, currentCtl&) {
-            return std::exchange(box.rel_enable, false);
-        });
-        if (switched.value_or(false)) {
+        if (takeForm(answer, false)) {
             std::puts("this input chip abslation");
         }
     }

@@ -22,16 +22,25 @@ bool Told::wasOvertaken(const Datagram& sent, Ticket ticket) const {
     return form != nullptr && forms_[form->index].letGo != ticket;
 }
 
-std::vector<Datagram> Told::takeReleases() {
+template <class Takes>
+std::vector<Datagram> Told::take(Takes takes) {
     std::vector<Datagram> releases;
     for (Memory& memory : forms_) {
-        if (memory.down) {
+        if (memory.down && takes(*wire::formOf(memory.down->content()))) {
             releases.push_back(*releaseOf(*memory.down));
             memory.down.reset();
             ++memory.letGo;
         }
     }
     return releases;
+}
+
+std::vector<Datagram> Told::takeReleases() {
+    return take([](const wire::FormRow&) { return true; });
+}
+
+std::vector<Datagram> Told::takeButtonReleases() {
+    return take([](const wire::FormRow& form) { return form.motionAt != form.motionEnd; });
 }
 
 std::optional<Datagram> releaseOf(const Datagram& sent) {

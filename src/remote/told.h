@@ -28,8 +28,13 @@ class Told {
 
     /// Takes out everything that is down: one datagram a form, to where it was told, that lets go.
     std::vector<Datagram> takeReleases();
+    /// The same of the pointer's forms alone: the box will take another form from now on.
+    std::vector<Datagram> takeButtonReleases();
 
  private:
+    template <class Takes>
+    std::vector<Datagram> take(Takes takes);
+
     struct Memory {
         std::optional<Datagram> down;
         Ticket letGo = 0;
