@@ -8,14 +8,17 @@
 #include "app/startup.h"
 #include "base/path_prefix.h"
 #include "base/singleton.h"
+#include "base/state.h"
 #include "input/supervisor.h"
 
 namespace {
 
 constexpr const char* kHelp =
-    "usage: tavrik [--root DIR]\n"
+    "usage: tavrik [--release-everything] [--root DIR]\n"
     "The console-side daemon of a networked keyboard, video and mouse wall.\n"
     "\n"
+    "  --release-everything\n"
+    "               no key and no button ever stays down at a computer: see tavrik(8)\n"
     "  --root DIR   a virtual board: DIR stands before every absolute path that is opened,\n"
     "               and shell commands are run only where DIR/bin has the program\n"
     "  --version    print the version and end\n"
@@ -34,6 +37,10 @@ int parseArguments(int count, char** arguments) {
         if (option == "--version") {
             std::printf("tavrik %s\n", kVersion);
             return 0;
+        }
+        if (option == "--release-everything") {
+            releaseEverything = 1;
+            continue;
         }
         if (option == "--root" && i + 1 < count && *arguments[i + 1] != '\0') {
             setPathPrefix(arguments[++i]);

@@ -177,6 +177,9 @@ void CommandChannel::pause(const std::string& /*text*/) {
     std::puts("---osd pause---");
     console_.modes.touchPaused = 1;
     sendRelease(console_.motion);
+    if (releaseEverything) {
+        letGoOfEverything();  // what comes up meanwhile is not told
+    }
 }
 
 void CommandChannel::resume(const std::string& /*text*/) { console_.modes.touchPaused = 0; }

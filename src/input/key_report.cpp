@@ -56,20 +56,21 @@ int OnKeyDown(Lights& lights, int code, std::uint8_t* report, char, char, char, 
     return kReportLength;
 }
 
-KeyUp takeKeyUp(int code, std::uint8_t* report) {
+KeyUp takeKeyUp(int code, std::uint8_t* report, bool everything) {
     wire::putKeyboardHeader(report);
-    const KeyRow* key = code <= kLastReleasedCode ? findKey(code) : nullptr;
-    if (key == nullptr || key->release == KeyRelease::kDropped) {
+    const KeyRow* key = everything || code <= kLastReleasedCode ? findKey(code) : nullptr;
+    if (key == nullptr || (key->release == KeyRelease::kDropped && !everything)) {
         return {};
     }
-    if (key->release == KeyRelease::kSent) {
+    if (key->release != KeyRelease::kModifier) {
         report[wire::kFirstKeyAt] = 0;
         return {kReportLength, nullptr};
     }
     for (const ModifierRelease& row : kModifierReleases) {
         if (row.code == code) {
+            const std::uint8_t cleared = everything ? key->value : row.cleared;
             report[wire::kModifiersAt] =
-                static_cast<std::uint8_t>(report[wire::kModifiersAt] & ~row.cleared);
+                static_cast<std::uint8_t>(report[wire::kModifiersAt] & ~cleared);
             return {kReportLength, row.line};
         }
     }

@@ -70,8 +70,9 @@ struct KeyUp {
     int length = 0;              ///< 11 when the release is to be sent, 0 when it is dropped
     const char* line = nullptr;  ///< to be printed, for a modifier
 };
-/// Takes the release of evdev `code` out of the 11-byte `report`. Pure.
-KeyUp takeKeyUp(int code, std::uint8_t* report);
+/// Takes the release of evdev `code` out of the 11-byte `report`; with `everything` no release is
+/// dropped, and right Win clears its own bit. Pure.
+KeyUp takeKeyUp(int code, std::uint8_t* report, bool everything = false);
 
 /// The same, with its line printed. Returns the length.
 int OnKeyUp(int code, std::uint8_t* report, char);

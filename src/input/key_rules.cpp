@@ -128,7 +128,8 @@ void KeyRules::forwardSingleKey() {
 void KeyRules::release(const KeyEvent& event) {
     sink_.line("key up\n");
     held_.release(event.slot, event.record.code);
-    const KeyUp up = takeKeyUp(event.record.code, state_.keys.bytes.data());
+    const KeyUp up =
+        takeKeyUp(event.record.code, state_.keys.bytes.data(), state_.releaseEverything);
     if (up.line != nullptr) {
         sink_.line("%s\n", up.line);
     }
@@ -145,12 +146,16 @@ void KeyRules::release(const KeyEvent& event) {
 
 void KeyRules::tellRelease() {
     // KVM mode does not count here: in it, releases go to the box.
-    const bool toOsd = state_.modes().osdFlag || state_.modes().previewMode;
+    const auto isOsds = [this] { return state_.modes().osdFlag || state_.modes().previewMode; };
+    const bool toOsd = isOsds();
     if (toOsd || hotkeySent_) {
         sink_.toOsd(OsdPort::kHereKeys, state_.keys.forBox());
     }
     if (!toOsd) {
         sink_.toBox(BoxReport::keys(state_.keys.forBox()));
+        if (isOsds()) {
+            sink_.command({Order::kLetGo});  // opened meanwhile: the rest will come up there
+        }
     }
 }
 

@@ -9,6 +9,7 @@
 #include "input/serving.h"
 #include "remote/handover.h"
 #include "remote/lights.h"
+#include "remote/reports.h"
 #include "remote/selection.h"
 
 namespace {
@@ -47,9 +48,16 @@ void setTouchInput(Guarded<AddressText>& touchInputIp) {
 class Listener {
  public:
     Listener(Devices& devices, ConsoleState& console)
-        : devices_(devices), state_{console,           currentInfo,      hotkeyinfo_,
-                                    qtFlag != 0,       ctrl_3_flag != 0, alt_3_flag != 0,
-                                    shift_3_flag != 0, boxInControl(),   {}} {}
+        : devices_(devices), state_{console,
+                                    currentInfo,
+                                    hotkeyinfo_,
+                                    qtFlag != 0,
+                                    ctrl_3_flag != 0,
+                                    alt_3_flag != 0,
+                                    shift_3_flag != 0,
+                                    boxInControl(),
+                                    {},
+                                    releaseEverything != 0} {}
 
     void begin();
     bool waitAndServe();
@@ -71,6 +79,10 @@ void Listener::begin() {
     adoptLedKeyboard(devices_.keyDevices, state_.console.lights);
     GetCurInip(kCellInUse, nullptr);
     printSelection();
+    if (state_.releaseEverything && !boxInControl().isNone() &&
+        state_.console.duties.startIsOver.exchange(1) == 0) {
+        releaseAll(state_.console.motion);  // what an earlier run had to leave behind
+    }
     setTouchInput(state_.console.touchInputIp);
     if (devices_.touchDevices.count > 0 &&
         (devices_.panel.touchMaxX <= 0 || devices_.panel.touchMaxY <= 0)) {

@@ -86,6 +86,12 @@ void MouseRules::move(Axis axis, std::int32_t by) {
         [=](currentCtl& now) { setPointer(now, axis, std::min(pointerOf(now)[axis], extent)); });
 }
 
+void MouseRules::miss(const InputRecord& record) {
+    if (record.type == EV_KEY && record.value == 0) {
+        applyMouseButton(record.code, 0, buffer_[wire::kButtonsAt]);
+    }
+}
+
 void MouseRules::serveForOsd(const InputRecord& record) {
     if (state_.osdIsHere) {
         return;

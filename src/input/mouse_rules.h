@@ -14,6 +14,9 @@ class MouseRules {
     /// One record while keys and pointer belong to the box.
     void serve(const InputRecord& record);
 
+    /// Takes note of a button that comes up while the pointer is not the box's.
+    void miss(const InputRecord& record);
+
     /// One record while the OSD, a mode or the touch pause keeps it from the box; it drives the
     /// pointer of an OSD that does not run here.
     void serveForOsd(const InputRecord& record);

@@ -19,5 +19,8 @@ struct RuleState {
     BoxInControl box;  ///< as of the record that is served
     KeyReport keys;    ///< the keys that are down
 
+    /// Nothing stays down at a box: each release is sent, and a mode that opens lets go.
+    bool releaseEverything = false;
+
     Modes& modes() const { return console.modes; }
 };

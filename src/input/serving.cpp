@@ -88,7 +88,7 @@ void Serving::letGoOfLost(const InputDeviceList& list, std::size_t slot, const H
 /// Mice and panels open no mode: one that is on now was opened by a command meanwhile, and what the
 /// record pressed will not come up at the box.
 void Serving::letGoIfAModeCame() {
-    if (!state_.modes().areOff()) {
+    if (!state_.modes().areOff() || (state_.releaseEverything && state_.modes().touchPaused)) {
         sink_.command({Order::kLetGo});
     }
 }
@@ -98,9 +98,12 @@ void Serving::giveToMouse(std::size_t slot, const InputRecord& record) {
     if (isForBox()) {
         mouse_.serve(record);
         letGoIfAModeCame();
-    } else {
-        mouse_.serveForOsd(record);
+        return;
     }
+    if (state_.releaseEverything) {
+        mouse_.miss(record);
+    }
+    mouse_.serveForOsd(record);
 }
 
 /// False when the read failed and the listener has to end.
@@ -176,6 +179,8 @@ void Serving::giveToPanel(std::size_t slot, const InputRecord& record) {
         state_.box = boxInControl();
         touch_.serve(record);
         letGoIfAModeCame();
+    } else if (state_.releaseEverything) {
+        touch_.miss(record);
     }
 }
 

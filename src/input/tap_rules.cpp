@@ -53,6 +53,13 @@ void TapRules::toOsd(std::string_view command) {
     }
 }
 
+/// What is down comes up where the box does not see it.
+void TapRules::modeOpened() {
+    if (state_.releaseEverything) {
+        sink_.command({Order::kLetGo});
+    }
+}
+
 void TapRules::tapCtrl(const TimeOfDay& now) {
     const unsigned count = press(ctrl_, now);
     sink_.line("osdNUm-->%u\n", count);
@@ -63,6 +70,7 @@ void TapRules::tapCtrl(const TimeOfDay& now) {
     state_.modes().osdFlag = 1;
     toOsd(osdS);
     sink_.line("------INOSD------\n");
+    modeOpened();
     ctrl_.reset();
     alt_.reset();
 }
@@ -82,6 +90,7 @@ void TapRules::tapAlt(const TimeOfDay& now) {
     state_.modes().previewMode = 1;
     toOsd(previewS);
     sink_.line("preview start\n");
+    modeOpened();
     alt_.reset();
 }
 
@@ -109,6 +118,7 @@ void TapRules::tapShift(const TimeOfDay& now) {
     state_.modes().kvmMode = 1;
     toOutputOsd(kvmS);
     tapCtrlAtBox();
+    modeOpened();
 }
 
 void TapRules::countEscape(const TimeOfDay& now) {

@@ -28,6 +28,7 @@ class TapRules {
     void tapShift(const TimeOfDay& now);
     void tapCtrlAtBox();
     void forward();
+    void modeOpened();
     void toOutputOsd(std::string_view command);
     void toOsd(std::string_view command);
 

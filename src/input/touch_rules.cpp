@@ -40,6 +40,13 @@ void TouchRules::serve(const InputRecord& record) {
     }
 }
 
+void TouchRules::miss(const InputRecord& record) {
+    if (record.type == EV_KEY && record.value == 0) {
+        applyContactButton(record.code, 0, buffer_[wire::kButtonsAt]);
+        longPress_.forget();
+    }
+}
+
 /// Header, wheel and the pointer's position; the motion that a relative box has not had is gone.
 void TouchRules::prepare(std::int32_t wheel) {
     preparePointer(buffer_.data(), wheel,

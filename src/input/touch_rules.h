@@ -18,6 +18,9 @@ class TouchRules {
     /// One record while keys and pointer belong to the box.
     void serve(const InputRecord& record);
 
+    /// Takes note of a contact that ends while the panel is not the box's.
+    void miss(const InputRecord& record);
+
  private:
     void takePosition(const InputRecord& record);
     void moveTo(Axis axis, std::int32_t value);

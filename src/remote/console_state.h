@@ -48,6 +48,7 @@ struct Motion {
 /// What is due to the box in control.
 struct Duties {
     Flag hotPlugFlag{1};      ///< its lights and its picture size, with the next event
+    Flag startIsOver{0};      ///< the first box has been let go of
     Flag queryInProgress{0};  ///< 0 while a query of a selected box runs
 };
 

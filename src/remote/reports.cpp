@@ -64,6 +64,13 @@ int releaseInput(const char* ip) {
     return 1;
 }
 
+void releaseAll(Motion& motion) {
+    tellBox([&motion](const BoxInControl& box) {
+        return both(keysFor(box, wire::kKeyRelease),
+                    pointerFor(box, box.curIp, wire::Absolute{}, motion));
+    });
+}
+
 int sendRelease(Motion& motion) {
     tellBox([&motion](const BoxInControl& box) {
         if (box.rel_enable) {

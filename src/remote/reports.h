@@ -44,3 +44,6 @@ int releaseInput(const char* ip);
 
 /// As for a pause: the reverse of releaseInput's forms. Returns 0.
 int sendRelease(Motion& motion);
+
+/// No key and no button is down, in the forms that the box takes; the pointer stays.
+void releaseAll(Motion& motion);

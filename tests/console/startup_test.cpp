@@ -103,7 +103,7 @@ TEST(CommandLine, OptionsAreAnsweredInOneGo) {
         int status;
         const char* begins;
     } rows[] = {{"--version", 0, "tavrik T-0.0.0.6\n"},
-                {"--help", 0, "usage: tavrik [--root DIR]\n"},
+                {"--help", 0, "usage: tavrik [--release-everything] [--root DIR]\n"},
                 {"--nonsense", 2, "tavrik: unknown option --nonsense (see --help)\n"},
                 {"extra", 2, "tavrik: unknown option extra (see --help)\n"},
                 {"--root", 2, "tavrik: --root needs a directory\n"}};

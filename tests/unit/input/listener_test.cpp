@@ -50,6 +50,21 @@ TEST_F(Listening, WhatIsDownIsLetGoAtItsEnd) {
     EXPECT_EQ(box.all(), std::string("57 ab 01 00 00 04 00 00 00 00 00 | ") + kKeysUp);
 }
 
+TEST_F(Listening, EverythingIsReleasedOnceAtTheFirstBox) {
+    for (const auto& [option, first] :
+         {std::pair{0, ""},
+          {1, "57 ab 01 00 00 00 00 00 00 00 00 | 57 ab 04 01 00 00 00 00 00 00"}}) {
+        releaseEverything = static_cast<std::uint8_t>(option);
+        for (const char* told : {first, ""}) {
+            add(devices.keyDevices, "");
+            run();
+            EXPECT_EQ(box.all(), told);
+            close(devices.keyDevices.fds[0]);
+        }
+    }
+    releaseEverything = 0;
+}
+
 TEST_F(Listening, APauseEmptiesTheNodes) {
     std::string typed = record(EV_KEY, KEY_LEFTSHIFT, 1) + record(EV_KEY, KEY_A, 1);
     for (int i = 0; i < 1000; ++i) {  // more than one read, less than it takes to look again
