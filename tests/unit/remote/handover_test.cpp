@@ -1,9 +1,7 @@
 #include "remote/handover.h"
 
-#include <algorithm>
 #include <chrono>
 #include <future>
-#include <map>
 #include <thread>
 
 #include "remote/box_change.h"
@@ -178,69 +176,6 @@ TEST_F(Handover, TheSameBoxAtTheSamePortGoesOn) {
     EXPECT_EQ(oldBox.all(), joined({kParked, kKeysUp}));
     stopControl();
     EXPECT_EQ(oldBox.all(), "");
-}
-
-/// Each step of a sender or of a handover, and another handover in between: nothing stays down at a
-/// box that has lost control, no report goes to one box's address at the other's port, and whoever
-/// has control is the box of the current cell.
-TEST_F(Handover, WhateverComesInBetweenNothingStaysDown) {
-    Receiver oldAtNew{oldBox.ip, newBox.port};
-    Receiver newAtOld{newBox.ip, oldBox.port};
-    const auto isUp = [](const Receiver& box) {
-        std::map<std::size_t, bool> up{{0, true}};
-        for (std::string got; (got = box.text()) != "nothing";) {
-            up[got.size()] = got.find_first_not_of('\0', 3) == got.npos || got[0] == 'l' ||
-                             (got.size() < 11 && got[got.size() == 7 ? 3 : 4] == 0);
-        }
-        return std::all_of(up.begin(), up.end(), [](const auto& form) { return form.second; });
-    };
-    const auto enter = [](unsigned x) { placeCell(x, 0), GetCurInip(kCellInUse, nullptr); };
-    const std::pair<const char*, std::function<void()>> firsts[] = {
-        {"key", [&] { press(kKeyA); }},
-        {"button", [&] { press(kButton); }},
-        {"edge", [&] { cross(console, Direction::kRight); }},
-        {"MTO", [&] { MouseTo(console, 1, 0); }},
-        {"cell", [&] { enter(1); }},
-        {"resync", [&] { resync(console); }}};
-    const std::pair<const char*, std::function<void()>> seconds[] = {
-        {"stop", [] { stopControl(); }},
-        {"cell", [&] { enter(1); }},
-        {"relative cell",
-         [&] { enter(1), change([](BoxInControl& box) { box.rel_enable = true; }); }},
-        {"there and back", [&] { enter(1), enter(0); }},
-        {"MTO", [&] { MouseTo(console, 1, 0); }},
-        {"devices", [] { letGoOfEverything(); }},
-        {"port", [] { setInputPort(81); }},
-        {"release", [] { releaseKey(), releaseInput(nullptr); }}};
-    beforeSend = [&](int fd, std::string_view sent) {
-        if (sent == "link") {
-            newBox.answer("no news", portOf(fd));
-        }
-    };
-    std::string problems;
-    for (const auto& [first, run] : firsts) {
-        for (const auto& [second, inBetween] : seconds) {
-            bool more = true;
-            for (int moment = 0; more; ++moment) {
-                begin();
-                press(kKeyA);
-                press(kButton);
-                printedBy(
-                    [&, &now = run, &then = inBetween] { more = interrupted(moment, now, then); });
-                const bool atFirst = place().starts_with("screen 0,0 cell 0,0");
-                const BoxInControl box = boxInControl();
-                const bool agrees =
-                    box.isNone() || box.curIp.view() == (atFirst ? oldBox : newBox).ip;
-                stopControl();
-                if (!agrees || !isUp(oldBox) || !isUp(newBox) ||
-                    oldAtNew.all() + newAtOld.all() != "") {
-                    problems += std::string(first) + " and " + second + " at step " +
-                                std::to_string(moment) + "\n";
-                }
-            }
-        }
-    }
-    EXPECT_EQ(problems, "");
 }
 
 /// The process that ends is another one: its end cannot be taken back.
