@@ -107,6 +107,9 @@ bool SoftwareConfig::SaveConfig() {
         return false;
     }
     std::printf("[%s]-%d: save config succeed\n", "SaveConfig", 110);
+    if (file_.takeBusy()) {
+        std::puts("settings: written more than 10 times in 10 s");
+    }
     return true;
 }
 

@@ -93,6 +93,13 @@ bool directoryRefuses(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
+/// Reserves the room for a text that is written over the old one; a file system that cannot
+/// reserve is believed to have it.
+bool hasRoomFor(int fd, std::size_t size) {
+    return size == 0 || fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 ||
+           errno == EOPNOTSUPP || errno == ENOSYS;
+}
+
 void syncDirectory(const std::string& directory) {
     const Descriptor fd(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     fsync(fd);
@@ -129,7 +136,26 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
         return writeInPlace(target, text, order);
     }
     syncDirectory(directoryOf(target));
+    if (renamed == Renamed::kDone) {
+        noteWrite();
+    }
     return renamed != Renamed::kFailed;
+}
+
+void WholeFile::noteWrite() {
+    constexpr std::size_t kMany = 10;
+    const auto now = std::chrono::steady_clock::now();
+    writes_.with([&](auto& writes) {
+        writes.push_back(now);
+        if (writes.size() > kMany) {
+            if (now - writes.front() < std::chrono::seconds(10)) {
+                busy_ = 1;
+                writes.clear();  // told once for as many
+            } else {
+                writes.pop_front();
+            }
+        }
+    });
 }
 
 bool WholeFile::setAside(const std::string& kept) const {
@@ -143,13 +169,19 @@ bool WholeFile::holdsAlready(const std::string& target, const std::string& text,
     if (file.state != FileState::kRead || file.text != text) {
         return false;
     }
-    return newest_.with([&](Saved& newest) {
-        if (newest.text != text) {
-            return false;  // not ours, or another save came between
+    const bool isOurs = newest_.with([&](const Saved& newest) { return newest.text == text; });
+    if (!isOurs) {
+        const Descriptor fd(open(target.c_str(), O_RDONLY | O_CLOEXEC));
+        if (fd < 0 || !doneOrNotKnown(fsync(fd))) {
+            return false;  // somebody else's text may not be on the disk yet
         }
-        newest.order = std::max(newest.order, order);
-        return true;
+    }
+    newest_.with([&](Saved& newest) {
+        if (order > newest.order) {
+            newest = {order, text};
+        }
     });
+    return true;
 }
 
 WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std::string& target,
@@ -172,13 +204,20 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
     if (order < newest_.with([](const Saved& newest) { return newest.order; })) {
         return true;
     }
-    Descriptor fd(open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
-    if (fd < 0) {
+    Descriptor fd(open(target.c_str(), O_WRONLY | O_CLOEXEC));
+    struct stat old {};
+    if (fd < 0 || fstat(fd, &old) != 0 || !hasRoomFor(fd, text.size())) {
         return false;
     }
     newest_.set({order, {}});
-    const bool written = writeAll(fd, text) && doneOrNotKnown(fsync(fd));
+    // Whatever stood behind the new text is empty lines until it is cut off.
+    std::string whole = text;
+    whole.resize(std::max(text.size(), static_cast<std::size_t>(old.st_size)), '\n');
+    const bool written = writeAll(fd, whole) && doneOrNotKnown(fsync(fd)) &&
+                         ftruncate(fd, static_cast<off_t>(text.size())) == 0 &&
+                         doneOrNotKnown(fsync(fd));
     const bool complete = fd.close() && written;
+    noteWrite();
     newest_.with([&](Saved& newest) {
         if (complete && newest.order == order) {
             newest.text = text;

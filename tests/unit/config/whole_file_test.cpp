@@ -32,8 +32,9 @@ class Unprivileged {
     bool changed_;
 };
 
-/// The error of every fsync, 0 for none.
+/// The error of every fsync, 0 for none; how many there were.
 int failingFsync = 0;
+int flushes = 0;
 
 mode_t permissionsOf(const std::string& path) {
     struct stat info {};
@@ -70,6 +71,17 @@ TEST(WholeFile, KeepsTheOldTextWhereThereIsNoRoomForASecondFile) {
     WholeFile file(scratch.put("file", "old"));
     EXPECT_FALSE(file.replace("new", 1));
     EXPECT_EQ(scratch.get("file"), "old");
+    mount("full", scratch.path().c_str(), nullptr, MS_REMOUNT, "nr_inodes=9,size=64k");
+    chmod(scratch.path("file").c_str(), 0666);
+    chmod(scratch.path().c_str(), 0555);
+    {
+        const Unprivileged user;  // who may only write in place
+        EXPECT_FALSE(file.replace(std::string(100'000, 'x'), 2));
+        EXPECT_EQ(scratch.get("file"), "old");
+        EXPECT_TRUE(file.replace(std::string(30'000, 'x'), 3));
+        EXPECT_TRUE(file.replace("short", 4));
+    }
+    EXPECT_EQ(scratch.get("file"), "short");
     umount(scratch.path().c_str());
 }
 
@@ -103,9 +115,11 @@ TEST(WholeFile, IsLeftAloneWhileItHoldsWhatWasWrittenLast) {
         return !std::filesystem::exists(scratch.path("kept")) ||
                !std::filesystem::equivalent(path, scratch.path("kept"));
     };
-    EXPECT_TRUE(replaces("same")) << "somebody else's text may not be on the disk yet";
+    flushes = 0;
     EXPECT_FALSE(replaces("same"));
+    EXPECT_EQ(flushes, 1) << "somebody else's text may not be on the disk yet";
     EXPECT_FALSE(replaces("same"));
+    EXPECT_EQ(flushes, 1);
     EXPECT_TRUE(file.replace("older", order - 1)) << "a save that was overtaken";
     EXPECT_EQ(scratch.get("file"), "same");
     EXPECT_TRUE(replaces("next"));
@@ -120,6 +134,17 @@ TEST(WholeFile, IsLeftAloneWhileItHoldsWhatWasWrittenLast) {
     chmod(scratch.path().c_str(), 0777);
     const Unprivileged user;
     EXPECT_FALSE(file.replace("same", ++order)) << "a file that refuses is told as ever";
+}
+
+TEST(WholeFile, TellsOnceWhenItIsWrittenOften) {
+    const Scratch scratch;
+    WholeFile file(scratch.path("file"));
+    std::string told;
+    for (std::uint64_t order = 1; order <= 23; ++order) {
+        EXPECT_TRUE(file.replace(std::to_string(order / 2), order));  // every other one is written
+        told += file.takeBusy() ? std::to_string(order) + " " : "";
+    }
+    EXPECT_EQ(told, "20 ");
 }
 
 TEST(WholeFile, IsWrittenInPlaceWhereTheDirectoryRefuses) {
@@ -188,6 +213,7 @@ TEST(WholeFile, FailsOnWhatIsNoFileToWriteAndRemovesOnlyOldFilesOfItsOwn) {
 
 /// In the place of the library's.
 extern "C" int fsync(int fd) {
+    ++flushes;
     if (failingFsync != 0) {
         errno = failingFsync;
         return -1;
