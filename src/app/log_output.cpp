@@ -11,6 +11,7 @@
 #include <initializer_list>
 
 #include "base/log_queue.h"
+#include "base/text.h"
 #include "base/thread.h"
 
 namespace {
@@ -27,7 +28,13 @@ volatile std::sig_atomic_t crashSignal = SIGABRT;
 
 /// stdio's write function. It takes everything, so that stdio never keeps or repeats anything.
 ssize_t appendToLog(void* cookie, const char* bytes, std::size_t count) {
-    logQueue().append(*static_cast<const int*>(cookie), {bytes, count});
+    const std::string_view text{bytes, count};
+    const int fd = *static_cast<const int*>(cookie);
+    if (hasNoControls(text)) {
+        logQueue().append(fd, text);
+    } else {
+        logQueue().append(fd, withoutControls(text));
+    }
     return static_cast<ssize_t>(count);
 }
 

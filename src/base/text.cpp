@@ -1,14 +1,45 @@
 #include "base/text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
+#include <utility>
 
 namespace {
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
+/// C0 and DEL, and C1 as one byte or as UTF-8 has it.
+bool isControl(unsigned char byte, unsigned char before) {
+    return (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F ||
+           (byte >= 0x80 && byte < 0xA0 && (before < 0x80 || before == 0xC2));
+}
+
 }  // namespace
+
+bool hasNoControls(std::string_view text) {
+    unsigned char before = 0;
+    return std::none_of(text.begin(), text.end(), [&](unsigned char byte) {
+        return isControl(byte, std::exchange(before, byte));
+    });
+}
+
+std::string withoutControls(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string shown;
+    unsigned char before = 0;
+    for (const unsigned char byte : text) {
+        if (isControl(byte, std::exchange(before, byte))) {
+            shown += "\\x";
+            shown += kDigits[byte / 16];
+            shown += kDigits[byte % 16];
+        } else {
+            shown += static_cast<char>(byte);
+        }
+    }
+    return shown;
+}
 
 void SplitString(const std::string& text, std::vector<std::string>& pieces,
                  const std::string& delimiter) {

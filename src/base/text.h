@@ -10,6 +10,12 @@
 void SplitString(const std::string& text, std::vector<std::string>& pieces,
                  const std::string& delimiter);
 
+/// `text` with control bytes, line feeds and tabs apart, as "\xNN": what came from outside steers
+/// no terminal. Letters of UTF-8 stay. Any thread.
+std::string withoutControls(std::string_view text);
+/// True when it is the same.
+bool hasNoControls(std::string_view text);
+
 /// The decimal number at the start of `text` (an optional minus sign, then digits; what follows is
 /// ignored). -1 when the text does not start so; the largest or smallest value on overflow. Any
 /// thread.

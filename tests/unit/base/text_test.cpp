@@ -26,6 +26,22 @@ TEST(SplitString, KeepsEmptyPiecesButTheLast) {
     }
 }
 
+TEST(Controls, AreShownInDigitsAndLettersStay) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"a\tb\n", "a\tb\n"},
+        {"\x1b[2J\r\x7f", "\\x1B[2J\\x0D\\x7F"},
+        {std::string("\0", 1), "\\x00"},
+        {"\x9b"
+         "2J \xc2\x9b"
+         "2J",
+         "\\x9B2J \xc2\\x9B2J"},
+        {"\xc3\x80\xc3\xa9\xe2\x80\x93", "\xc3\x80\xc3\xa9\xe2\x80\x93"}};
+    for (const auto& [text, shown] : rows) {
+        EXPECT_EQ(withoutControls(text), shown);
+        EXPECT_EQ(hasNoControls(text), text == shown);
+    }
+}
+
 TEST(Str2int, ReadsTheNumberThatATextStartsWith) {
     for (const char* text : {"", "-", "x1", " 5", "+5", "--5", "-x", "-1", "\xB2"}) {
         EXPECT_EQ(str2int(text), -1) << "from '" << text << "'";
