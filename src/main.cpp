@@ -5,6 +5,7 @@
 #include "app/ending.h"
 #include "app/inputevent.h"
 #include "app/log_output.h"
+#include "app/single.h"
 #include "app/startup.h"
 #include "base/path_prefix.h"
 #include "base/singleton.h"
@@ -24,6 +25,7 @@ constexpr const char* kHelp =
     "  --version    print the version and end\n"
     "  --help       print this text and end\n";
 
+constexpr int kAlreadyRuns = 1;
 constexpr int kUsageError = 2;
 
 /// What the command line asks for: -1 to run, otherwise the exit status to end with.
@@ -62,6 +64,10 @@ int main(int argc, char** argv) {
     const int status = parseArguments(argc, argv);
     if (status >= 0) {
         return status;
+    }
+    if (!becomeTheOnlyOne()) {
+        std::fputs("tavrik: another console runs in this network namespace\n", stderr);
+        return kAlreadyRuns;
     }
     std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
     guardStandardStreams();

@@ -97,6 +97,21 @@ TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {
     EXPECT_EQ(settings.find("result-->"), std::string::npos);
 }
 
+TEST_F(Startup, ASecondConsoleEndsAtOnceAndTheFirstGoesOn) {
+    start();
+    const rig::Board other;
+    const std::string command =
+        rig::Daemon::programPath() + " --root " + other.root().string() + " 2>&1";
+    std::FILE* second = popen(command.c_str(), "r");
+    std::array<char, 200> text{};
+    EXPECT_NE(std::fgets(text.data(), text.size(), second), nullptr);
+    EXPECT_STREQ(text.data(), "tavrik: another console runs in this network namespace\n");
+    EXPECT_EQ(std::fgets(text.data(), text.size(), second), nullptr) << text.data();
+    EXPECT_EQ(WEXITSTATUS(pclose(second)), 1);
+    send("KVMQUIT");
+    expectLine("kvm quit");
+}
+
 TEST(CommandLine, OptionsAreAnsweredInOneGo) {
     const struct {
         const char* arguments;
