@@ -15,11 +15,15 @@
 namespace {
 
 constexpr const char* kHelp =
-    "usage: tavrik [--release-everything] [--root DIR]\n"
+    "usage: tavrik [options]\n"
     "The console-side daemon of a networked keyboard, video and mouse wall.\n"
     "\n"
     "  --release-everything\n"
     "               no key and no button ever stays down at a computer: see tavrik(8)\n"
+    "  --allow-control ADDRESS[/BITS]\n"
+    "               only these may command this console (repeatable)\n"
+    "  --no-multicast\n"
+    "               orders for the whole site are not for this console\n"
     "  --root DIR   a virtual board: DIR stands before every absolute path that is opened,\n"
     "               and shell commands are run only where DIR/bin has the program\n"
     "  --version    print the version and end\n"
@@ -28,8 +32,34 @@ constexpr const char* kHelp =
 constexpr int kAlreadyRuns = 1;
 constexpr int kUsageError = 2;
 
+/// Takes one option with its value, if it has one; true when it is known and right. What is wrong
+/// is told.
+bool takeOption(std::string_view option, const char* value, bool& takesValue, inputevent_& events) {
+    takesValue = option == "--root" || option == "--allow-control";
+    if (option == "--release-everything") {
+        releaseEverything = 1;
+    } else if (option == "--no-multicast") {
+        events.forCommands.joinsGroup = false;
+    } else if (option == "--root" && value != nullptr && *value != '\0') {
+        setPathPrefix(value);
+    } else if (option == "--root") {
+        std::fputs("tavrik: --root needs a directory\n", stderr);
+        return false;
+    } else if (option == "--allow-control") {
+        if (value == nullptr || !events.allowedSenders.add(value)) {
+            std::fputs("tavrik: --allow-control needs an address or address/bits\n", stderr);
+            return false;
+        }
+    } else {
+        std::fprintf(stderr, "tavrik: unknown option %.*s (see --help)\n",
+                     static_cast<int>(option.size()), option.data());
+        return false;
+    }
+    return true;
+}
+
 /// What the command line asks for: -1 to run, otherwise the exit status to end with.
-int parseArguments(int count, char** arguments) {
+int parseArguments(int count, char** arguments, inputevent_& events) {
     for (int i = 1; i < count; ++i) {
         const std::string_view option = arguments[i];
         if (option == "--help") {
@@ -40,20 +70,11 @@ int parseArguments(int count, char** arguments) {
             std::printf("tavrik %s\n", kVersion);
             return 0;
         }
-        if (option == "--release-everything") {
-            releaseEverything = 1;
-            continue;
+        bool takesValue = false;
+        if (!takeOption(option, i + 1 < count ? arguments[i + 1] : nullptr, takesValue, events)) {
+            return kUsageError;
         }
-        if (option == "--root" && i + 1 < count && *arguments[i + 1] != '\0') {
-            setPathPrefix(arguments[++i]);
-            continue;
-        }
-        if (option == "--root") {
-            std::fputs("tavrik: --root needs a directory\n", stderr);
-        } else {
-            std::fprintf(stderr, "tavrik: unknown option %s (see --help)\n", arguments[i]);
-        }
-        return kUsageError;
+        i += takesValue ? 1 : 0;
     }
     return -1;
 }
@@ -61,7 +82,8 @@ int parseArguments(int count, char** arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int status = parseArguments(argc, argv);
+    const auto events = Singleton<inputevent_>::instance();
+    const int status = parseArguments(argc, argv, *events);
     if (status >= 0) {
         return status;
     }
@@ -73,7 +95,6 @@ int main(int argc, char** argv) {
     guardStandardStreams();
     letGoAtTheEnd();
     startLogWriter();
-    const auto events = Singleton<inputevent_>::instance();
     startUp(*events);
     TimeCheckKeyEvent(events->forInput);
 }

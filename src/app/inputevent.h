@@ -20,11 +20,12 @@ class inputevent_ {
     inputevent_& operator=(const inputevent_&) = delete;
 
     DeviceCounts counts;
+    AllowedSenders allowedSenders;
     ConsoleState console;
     Devices devices{counts};
 
     InputSlices forInput{devices, console};
-    CommandSlices forCommands{console, counts};
+    CommandSlices forCommands{console, counts, allowedSenders};
 
     // input/: devices and listener, input thread
     int openInputFd();

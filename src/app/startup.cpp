@@ -16,6 +16,7 @@
 #include "base/thread.h"
 #include "config/software_config.h"
 #include "control/command_channel.h"
+#include "control/control_port.h"
 #include "control/hotkey_table.h"
 #include "net/local_ip.h"
 #include "net/udp_socket.h"
@@ -27,8 +28,6 @@
 namespace {
 
 constexpr unsigned kInputSocketPort = 19357;
-constexpr unsigned kKvmSetPort = 41236;
-constexpr int kMulticastTtl = 64;
 constexpr int kJoinAttempts = 10;
 constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
@@ -115,13 +114,13 @@ void loadWall(const SoftwareConfig& config) {
 
 }  // namespace
 
-void openControlSocket() {
+void openControlSocket(bool joinsGroup) {
     auto* socket = new UDPSocket;  // lives as long as the process
     socket->CreateUDPServer(kKvmSetPort, 0, false, true);
     socket->SetMulticastTTL(kMulticastTtl);
     KvmSetSocket = socket;
-    for (int attempt = 0; attempt < kJoinAttempts; ++attempt) {
-        if (socket->AddMemberShip("224.168.1.1", "eth0") != 0) {
+    for (int attempt = 0; joinsGroup && attempt < kJoinAttempts; ++attempt) {
+        if (socket->AddMemberShip(kControlGroup, kControlInterface) != 0) {
             std::puts("add mlt:224.168.1.1");
             return;
         }
@@ -160,6 +159,6 @@ void startUp(inputevent_& events) {
     loadWall(*config);
     std::string hotkeys = config->GetConfig(kHotkeyMapIndex);
     createHotKey(hotkeys, false);
-    openControlSocket();
+    openControlSocket(events.forCommands.joinsGroup);
     startThreads(events.forCommands);
 }

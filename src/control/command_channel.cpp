@@ -7,6 +7,7 @@
 
 #include "base/state.h"
 #include "base/waiting.h"
+#include "control/control_port.h"
 #include "control/hotkey_table.h"
 #include "control/mouse_to.h"
 #include "net/dotted_text.h"
@@ -250,11 +251,14 @@ int getTouchIp(Guarded<AddressText>& touchInputIp, const std::string& text) {
 }
 
 void* kvmSet(void* slices) {
-    const auto& [console, counts] = *static_cast<const CommandSlices*>(slices);
+    const auto& [console, counts, allowed, joinsGroup] = *static_cast<const CommandSlices*>(slices);
     CommandChannel channel(console, counts);
     std::array<char, kLargestCommand> buffer{};
     UDPSocket* socket = KvmSetSocket;
     for (;;) {
+        if (!awaitCommand(*socket, joinsGroup)) {
+            continue;
+        }
         const long got = socket->RecvFrom(buffer.data(), static_cast<long>(buffer.size()));
         if (got == 0) {
             continue;
@@ -264,9 +268,16 @@ void* kvmSet(void* slices) {
             sleepMicroseconds(kAfterFailureMicroseconds);
             continue;
         }
+        const in_addr from = socket->GetClientSockaddr().sin_addr;
+        const AddressText sender = dottedText(from);
+        if (!allowed.allows(from)) {
+            if (const auto line = allowed.refuse(sender.view(), AllowedSenders::Clock::now())) {
+                std::puts(line->c_str());
+            }
+            continue;
+        }
         std::string text(buffer.data(), static_cast<std::size_t>(got));
         text.resize(std::min(text.size(), text.find('\0')));
-        const AddressText sender = dottedText(socket->GetClientSockaddr().sin_addr);
         std::printf("%s get data-->%s\n", sender.c_str(), text.c_str());
         channel.handle(text);
     }

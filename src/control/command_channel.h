@@ -5,6 +5,7 @@
 
 #include "base/address_text.h"
 #include "base/guarded.h"
+#include "control/allowed_senders.h"
 #include "control/device_counts.h"
 #include "remote/console_state.h"
 
@@ -14,6 +15,8 @@
 struct CommandSlices {
     ConsoleState& console;
     const DeviceCounts& counts;
+    AllowedSenders& allowed;
+    bool joinsGroup = true;  ///< the whole site's orders count, which come to the multicast group
 };
 
 /// Thread body, on CommandSlices: receives on KvmSetSocket and carries out. Never returns.

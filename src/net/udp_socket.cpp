@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <net/if.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -178,6 +179,47 @@ int UDPSocket::AddMemberShip(const char* group, const char* interface) {
         return 0;
     }
     return 1;
+}
+
+bool UDPSocket::repairPort(unsigned port) {
+    sockaddr_in own{};
+    socklen_t size = sizeof own;
+    const int fd = descriptor_;
+    if (getsockname(fd, reinterpret_cast<sockaddr*>(&own), &size) == 0 &&
+        own.sin_port == htons(static_cast<std::uint16_t>(port))) {
+        return false;
+    }
+    // A descriptor that has sent has some other port by now: a new one takes its place.
+    const int fresh = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const sockaddr_in wanted = ipv4(INADDR_ANY, port);
+    const int one = 1;
+    const bool bound = fresh >= 0 &&
+                       setsockopt(fresh, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one) == 0 &&
+                       bind(fresh, reinterpret_cast<const sockaddr*>(&wanted), sizeof wanted) == 0;
+    if (bound && fd < 0) {
+        descriptor_ = fresh;
+        return true;
+    }
+    const bool replaced = bound && dup3(fresh, fd, O_CLOEXEC) == fd;
+    closeUnlessNone(fresh);
+    return replaced;
+}
+
+bool UDPSocket::repairMemberShip(const char* group, const char* interface) {
+    ip_mreqn request{};
+    request.imr_multiaddr.s_addr = inet_addr(group);
+    request.imr_ifindex = static_cast<int>(if_nametoindex(interface));
+    return request.imr_ifindex != 0 &&
+           setsockopt(descriptor_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request) == 0;
+}
+
+bool UDPSocket::waitForDatagram(int milliseconds) const {
+    const int fd = descriptor_;
+    if (fd < 0) {
+        sleepMicroseconds(std::int64_t{milliseconds} * 1000);
+        return false;
+    }
+    return waitUntilReadable(fd, milliseconds) != 0;
 }
 
 int UDPSocket::DropMemberShip() {

@@ -59,6 +59,17 @@ class UDPSocket {
     /// Leaves the group last joined. Returns 1 or 0.
     int DropMemberShip();
 
+    /// What failed before, tried again without a line: a descriptor that is not there or not bound
+    /// to `port` gets another in its place (of its options only the shared port); joins the group
+    /// on the interface where it is no member, by the interface itself, whatever its address. True
+    /// when that changed something.
+    bool repairPort(unsigned port);
+    bool repairMemberShip(const char* group, const char* interface);
+
+    /// True when a datagram waits within `milliseconds`, or something else that a receive call
+    /// would tell. Without a descriptor it waits as long.
+    bool waitForDatagram(int milliseconds) const;
+
     /// Allows broadcasts and stores the interface's broadcast address as destination of SendTo
     /// (null: 255.255.255.255). Returns non-zero, or 0.
     int AddBroadCast(const char* interface);

@@ -1,3 +1,4 @@
+#include <linux/input-event-codes.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -72,11 +73,15 @@ TEST_F(Startup, LoadsAsManyMapLinesAsTheTableHolds) {
     EXPECT_EQ(board().read("data/tav_rik.ini"), settings) << "a full table is written back whole";
 }
 
+/// In this process's own network namespace; elsewhere there may be no such interface to make.
+bool makeEth0() {
+    return std::system(
+               "ip link add eth0 type veth peer name eth1 2>/dev/null && ip addr add "
+               "192.168.77.1/24 dev eth0 && ip link set eth0 up && ip link set eth1 up") == 0;
+}
+
 TEST_F(Startup, JoinsTheControlGroupOnEth0) {
-    // In this process's own network namespace; elsewhere there may be no such interface to make.
-    if (std::system("ip link add eth0 type veth peer name eth1 2>/dev/null && ip addr add "
-                    "192.168.77.1/24 dev eth0 && ip link set eth0 up && ip link set eth1 up") !=
-        0) {
+    if (!makeEth0()) {
         GTEST_SKIP() << "no interface eth0 can be made here";
     }
     start();
@@ -84,6 +89,35 @@ TEST_F(Startup, JoinsTheControlGroupOnEth0) {
     const rig::Box management({{"192.168.77.1", 0}});
     ASSERT_TRUE(management.send({"224.168.1.1", 41236}, "KVMQUIT"));
     expectLine("kvm quit");
+}
+
+TEST_F(Startup, TakesThePortAndJoinsTheGroupWhenTheyAreThereLater) {
+    auto other = std::make_unique<rig::Box>(std::vector<rig::Endpoint>{{"127.0.0.1", 41236}});
+    start();
+    EXPECT_THAT(daemon().errorLines(), Contains("bind error: Address already in use"));
+    board().key(kKeyboard, KEY_A, true);
+    expectReport(kFirstBox, "key down A");
+    other.reset();
+    const bool eth0 = makeEth0();
+    constexpr rig::Milliseconds kRepair{8000};
+    EXPECT_TRUE(daemon().waitForLine("control port 41236 is open now", kRepair));
+    EXPECT_EQ(daemon().waitForLine("joined 224.168.1.1 on eth0", kLimit).has_value(), eth0);
+    const rig::Box management({{eth0 ? "192.168.77.1" : "127.0.0.1", 0}});
+    ASSERT_TRUE(management.send({eth0 ? "224.168.1.1" : "127.0.0.1", 41236}, "KVMQUIT"));
+    expectLine("kvm quit");
+}
+
+TEST_F(Startup, OnlyThoseMayCommandWhoWereNamed) {
+    plan.options = {"--allow-control", "127.0.0.8/30", "--no-multicast"};
+    start();
+    send("PREVIEWQUIT");
+    expectLine("control: 1 datagrams from who may not command, the last from 127.0.0.1");
+    send("PREVIEWQUIT");
+    const rig::Box named({{"127.0.0.9", 0}});
+    ASSERT_TRUE(named.send({"127.0.0.1", 41236}, "KVMQUIT"));
+    expectLine("kvm quit");
+    EXPECT_THAT(daemon().lines(), Not(Contains("preview quit")));
+    EXPECT_THAT(daemon().lines(), Not(Contains("add mlt:224.168.1.1")));
 }
 
 TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {
@@ -118,10 +152,12 @@ TEST(CommandLine, OptionsAreAnsweredInOneGo) {
         int status;
         const char* begins;
     } rows[] = {{"--version", 0, "tavrik T-0.0.0.6\n"},
-                {"--help", 0, "usage: tavrik [--release-everything] [--root DIR]\n"},
+                {"--help", 0, "usage: tavrik [options]\n"},
                 {"--nonsense", 2, "tavrik: unknown option --nonsense (see --help)\n"},
                 {"extra", 2, "tavrik: unknown option extra (see --help)\n"},
-                {"--root", 2, "tavrik: --root needs a directory\n"}};
+                {"--root", 2, "tavrik: --root needs a directory\n"},
+                {"--allow-control 10.0.0.0/33", 2,
+                 "tavrik: --allow-control needs an address or address/bits\n"}};
     for (const auto& row : rows) {
         const std::string command = rig::Daemon::programPath() + " " + row.arguments + " 2>&1";
         std::FILE* program = popen(command.c_str(), "r");

@@ -91,6 +91,8 @@ void checkStart(Console& console, const std::string& registers) {
         console.arm ? "devices that do not answer (gpio-keys) are dropped" : "the devices answer",
         "get real mouse event 1, keyboard evnet 1", real);
     console.checks.isTrue("the daemon listens", console.awaitListening());
+    console.checks.equal("a second one ends at once", "1",
+                         machine.shell("/usr/sbin/tavrik >/dev/null 2>&1; echo $?"));
     if (!registers.empty()) {
         for (const Register& row : kRegisters) {
             std::uint32_t word = 0xFFFFFFFF;

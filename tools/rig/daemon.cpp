@@ -51,9 +51,10 @@ std::string Daemon::virtualProgramPath() {
 
 fs::path Daemon::clockFile(const fs::path& root) { return root / "clock"; }
 
-Daemon::Daemon(const fs::path& root, const fs::path& work, Observer observer, bool virtualClock)
+Daemon::Daemon(const fs::path& root, const fs::path& work, Observer observer, bool virtualClock,
+               const std::vector<std::string>& options)
     : observer_(std::move(observer)) {
-    launch(root, work, virtualClock);
+    launch(root, work, virtualClock, options);
     reader_ = std::thread(&Daemon::readAll, this);
 }
 
@@ -65,7 +66,8 @@ Daemon::~Daemon() {
     waitpid(pid_, nullptr, 0);
 }
 
-void Daemon::launch(const fs::path& root, const fs::path& work, bool virtualClock) {
+void Daemon::launch(const fs::path& root, const fs::path& work, bool virtualClock,
+                    const std::vector<std::string>& options) {
     std::array<int, 2> out{};
     std::array<int, 2> err{};
     if (pipe2(out.data(), O_CLOEXEC) != 0 || pipe2(err.data(), O_CLOEXEC) != 0) {
@@ -80,7 +82,11 @@ void Daemon::launch(const fs::path& root, const fs::path& work, bool virtualCloc
     }
     variables.push_back(clock.data());
     variables.push_back(nullptr);
-    const std::array<const char*, 4> arguments{program.c_str(), "--root", root.c_str(), nullptr};
+    std::vector<const char*> arguments{program.c_str(), "--root", root.c_str()};
+    for (const std::string& option : options) {
+        arguments.push_back(option.c_str());
+    }
+    arguments.push_back(nullptr);
     const pid_t parent = getpid();
     pid_ = fork();
     if (pid_ == 0) {

@@ -27,10 +27,11 @@ class Daemon {
     using Observer = std::function<void(std::string_view line)>;
     using Predicate = std::function<bool(std::string_view line)>;
 
-    /// Starts the program at programPath() with `--root` and the working directory `work`. Throws
-    /// std::system_error when that fails.
+    /// Starts the program at programPath() with `--root`, `options` and the working directory
+    /// `work`. Throws std::system_error when that fails.
     Daemon(const std::filesystem::path& root, const std::filesystem::path& work,
-           Observer observer = {}, bool virtualClock = false);
+           Observer observer = {}, bool virtualClock = false,
+           const std::vector<std::string>& options = {});
     ~Daemon();
     Daemon(const Daemon&) = delete;
     Daemon& operator=(const Daemon&) = delete;
@@ -78,7 +79,7 @@ class Daemon {
     };
 
     void launch(const std::filesystem::path& root, const std::filesystem::path& work,
-                bool virtualClock);
+                bool virtualClock, const std::vector<std::string>& options);
     void readAll();
     bool readSome(Stream& stream);
     void endLine(Stream& stream);

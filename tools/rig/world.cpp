@@ -190,8 +190,8 @@ std::optional<std::string> World::start(Daemon::Observer lines) {
     if (plan_.virtualClock) {
         writeClock();
     }
-    daemon_ =
-        std::make_unique<Daemon>(board.root(), board.work(), std::move(lines), plan_.virtualClock);
+    daemon_ = std::make_unique<Daemon>(board.root(), board.work(), std::move(lines),
+                                       plan_.virtualClock, plan_.options);
     const auto selected = daemon_->waitForLine(
         [](std::string_view line) { return line.starts_with("get(0x"); }, kStartLimit);
     if (!selected) {

@@ -36,6 +36,7 @@ struct Plan {
     std::vector<PlannedBox> boxes;  ///< besides those that stand in the wall
     std::vector<std::string> users;
     std::map<std::string, std::string> settings;
+    std::vector<std::string> options;  ///< of the daemon's command line
     bool virtualClock = false;  ///< the daemon's clock is what setTime says, and it waits for boxes
 };
 

@@ -8,7 +8,7 @@
 namespace {
 
 TEST(StartUp, OpensTheControlSocketForTheWholeSite) {
-    openControlSocket();
+    openControlSocket(true);
     UDPSocket* const socket = KvmSetSocket;
     ASSERT_NE(socket, nullptr);
     EXPECT_EQ(socket->GetMulticastTTL(), 64);
