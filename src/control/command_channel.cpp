@@ -255,8 +255,9 @@ void* kvmSet(void* slices) {
     CommandChannel channel(console, counts);
     std::array<char, kLargestCommand> buffer{};
     UDPSocket* socket = KvmSetSocket;
+    ControlPort port(*socket, joinsGroup);
     for (;;) {
-        if (!awaitCommand(*socket, joinsGroup)) {
+        if (!port.awaitCommand()) {
             continue;
         }
         const long got = socket->RecvFrom(buffer.data(), static_cast<long>(buffer.size()));

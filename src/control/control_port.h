@@ -8,7 +8,19 @@ inline constexpr int kMulticastTtl = 64;
 inline constexpr const char* kControlGroup = "224.168.1.1";
 inline constexpr const char* kControlInterface = "eth0";
 
-/// Waits for a datagram on the socket, at most 5 s, and tries in silence what has failed so far:
-/// the port that another program had, the group of an interface that was not there or came anew. A
-/// line tells when that succeeded. False when none came. Control thread.
-bool awaitCommand(UDPSocket& socket, bool joinsGroup);
+/// Sees to it that commands can arrive: what failed so far, the port that another program had or
+/// the group of an interface that was not there or came anew, is tried again in silence, every 5 s
+/// while no command comes, every minute once all is well. A line tells when that succeeded. Control
+/// thread.
+class ControlPort {
+ public:
+    ControlPort(UDPSocket& socket, bool joinsGroup) : socket_(socket), joinsGroup_(joinsGroup) {}
+
+    /// Waits for a datagram; false when none has come yet.
+    bool awaitCommand();
+
+ private:
+    UDPSocket& socket_;
+    const bool joinsGroup_;
+    bool isWell_ = false;
+};

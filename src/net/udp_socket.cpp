@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -33,6 +34,28 @@ long takeDatagram(int fd, void* buffer, long length, int flags, sockaddr_in& sen
         sender = from;
     }
     return got;
+}
+
+/// The address of a dotted text as it is usually written, or as inet_aton takes it. (Alone, that is
+/// a quarter of what stands between a key and its datagram.)
+bool takeAddress(const char* text, in_addr& address) {
+    std::uint32_t value = 0;
+    const char* at = text;
+    for (int part = 0; part < 4; ++part) {
+        unsigned number = 0;
+        const char* const begin = at;
+        for (; *at >= '0' && *at <= '9' && at - begin < 3; ++at) {
+            number = number * 10 + static_cast<unsigned>(*at - '0');
+        }
+        const bool octal = *begin == '0' && at - begin > 1;
+        if (at == begin || octal || number > 255 || *at != (part < 3 ? '.' : '\0')) {
+            return inet_aton(text, &address) != 0;
+        }
+        value = value << 8 | number;
+        ++at;
+    }
+    address.s_addr = htonl(value);
+    return true;
 }
 
 int sendDatagram(int fd, const sockaddr_in& to, const void* buffer, long length) {
@@ -136,7 +159,7 @@ int UDPSocket::SendTo(const void* buffer, long length) {
 
 int UDPSocket::SendTo(const char* ip, unsigned port, const void* buffer, long length) {
     in_addr address{};
-    if (ip == nullptr || buffer == nullptr || length < 0 || inet_aton(ip, &address) == 0) {
+    if (ip == nullptr || buffer == nullptr || length < 0 || !takeAddress(ip, address)) {
         return -1;
     }
     return sendDatagram(descriptor_, ipv4(address.s_addr, port), buffer, length);
@@ -181,13 +204,13 @@ int UDPSocket::AddMemberShip(const char* group, const char* interface) {
     return 1;
 }
 
-bool UDPSocket::repairPort(unsigned port) {
+UDPSocket::Repair UDPSocket::repairPort(unsigned port) {
     sockaddr_in own{};
     socklen_t size = sizeof own;
     const int fd = descriptor_;
     if (getsockname(fd, reinterpret_cast<sockaddr*>(&own), &size) == 0 &&
         own.sin_port == htons(static_cast<std::uint16_t>(port))) {
-        return false;
+        return Repair::kNotNeeded;
     }
     // A descriptor that has sent has some other port by now: a new one takes its place.
     const int fresh = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -198,19 +221,24 @@ bool UDPSocket::repairPort(unsigned port) {
                        bind(fresh, reinterpret_cast<const sockaddr*>(&wanted), sizeof wanted) == 0;
     if (bound && fd < 0) {
         descriptor_ = fresh;
-        return true;
+        return Repair::kDone;
     }
     const bool replaced = bound && dup3(fresh, fd, O_CLOEXEC) == fd;
     closeUnlessNone(fresh);
-    return replaced;
+    return replaced ? Repair::kDone : Repair::kFailed;
 }
 
-bool UDPSocket::repairMemberShip(const char* group, const char* interface) {
+UDPSocket::Repair UDPSocket::repairMemberShip(const char* group, const char* interface) {
     ip_mreqn request{};
     request.imr_multiaddr.s_addr = inet_addr(group);
     request.imr_ifindex = static_cast<int>(if_nametoindex(interface));
-    return request.imr_ifindex != 0 &&
-           setsockopt(descriptor_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request) == 0;
+    if (request.imr_ifindex == 0) {
+        return Repair::kFailed;
+    }
+    if (setsockopt(descriptor_, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request) == 0) {
+        return Repair::kDone;
+    }
+    return errno == EADDRINUSE ? Repair::kNotNeeded : Repair::kFailed;
 }
 
 bool UDPSocket::waitForDatagram(int milliseconds) const {

@@ -61,10 +61,10 @@ class UDPSocket {
 
     /// What failed before, tried again without a line: a descriptor that is not there or not bound
     /// to `port` gets another in its place (of its options only the shared port); joins the group
-    /// on the interface where it is no member, by the interface itself, whatever its address. True
-    /// when that changed something.
-    bool repairPort(unsigned port);
-    bool repairMemberShip(const char* group, const char* interface);
+    /// on the interface where it is no member, by the interface itself, whatever its address.
+    enum class Repair : std::uint8_t { kNotNeeded, kDone, kFailed };
+    Repair repairPort(unsigned port);
+    Repair repairMemberShip(const char* group, const char* interface);
 
     /// True when a datagram waits within `milliseconds`, or something else that a receive call
     /// would tell. Without a descriptor it waits as long.

@@ -70,6 +70,10 @@ TEST(UDPSocket, TakenPortIsABindErrorThatLeavesTheSocketUsable) {
 
 TEST(UDPSocket, NothingIsSentToWhatIsNoAddress) {
     Open a;
+    for (const char* ip : {"127.0.0.1", "127.1", "127.0.0.01", "0x7f.0.0.1", "127.0.0.1 "}) {
+        EXPECT_EQ(a.socket.SendTo(ip, a.port, ip, 1), 1) << "to '" << ip << "'";
+        EXPECT_EQ(a.receive(), std::string(ip, 1));
+    }
     for (const char* ip :
          {"", "kEth0Ip", "127.0.0.", "127.0.0.256", "127.0.0.1-8000", " 127.0.0.1", "x"}) {
         errno = 0;
