@@ -7,6 +7,7 @@
 
 #include "base/state.h"
 #include "base/waiting.h"
+#include "base/work_bound.h"
 #include "control/control_port.h"
 #include "control/hotkey_table.h"
 #include "control/mouse_to.h"
@@ -25,6 +26,8 @@ constexpr std::size_t kLargestCommand = 2048;
 /// A "details" text up to this length describes one screen entry only.
 constexpr std::size_t kSingleEntryLength = 48;
 constexpr std::size_t kStatusLength = 64;
+/// A command may save the settings on a slow disk.
+constexpr std::chrono::seconds kCommandBound{30};
 constexpr std::int64_t kAfterFailureMicroseconds = 1'000'000;
 
 void reportUnknown(const std::string& text) {
@@ -256,6 +259,7 @@ void* kvmSet(void* slices) {
     std::array<char, kLargestCommand> buffer{};
     UDPSocket* socket = KvmSetSocket;
     ControlPort port(*socket, joinsGroup);
+    WorkBound bound(kCommandBound);
     for (;;) {
         if (!port.awaitCommand()) {
             continue;
@@ -280,6 +284,8 @@ void* kvmSet(void* slices) {
         std::string text(buffer.data(), static_cast<std::size_t>(got));
         text.resize(std::min(text.size(), text.find('\0')));
         std::printf("%s get data-->%s\n", sender.c_str(), text.c_str());
+        bound.begin();
         channel.handle(text);
+        bound.end();
     }
 }

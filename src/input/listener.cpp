@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "base/log_queue.h"
+#include "base/work_bound.h"
 #include "input/cancel_window.h"
 #include "input/console_sink.h"
 #include "input/intake.h"
@@ -16,6 +17,9 @@ namespace {
 
 /// Passes without a wait go on for so long before the nodes are looked at again.
 constexpr std::chrono::milliseconds kBetweenLooks{1};
+
+/// A pass may pause for each key of eight keyboards and bring a box up to date.
+constexpr std::chrono::seconds kPassBound{10};
 
 /// With no keyboard known, the lights are those of the first one that is open.
 void adoptLedKeyboard(const InputDeviceList& keyboards, Lights& lights) {
@@ -69,6 +73,7 @@ class Listener {
     Intake intake_{devices_};
     const WaitingPlace place_{intake_};
     const DeferredLog log_;
+    WorkBound bound_{kPassBound};
     Serving serving_{devices_, state_, sink_};
 };
 
@@ -108,8 +113,10 @@ bool Listener::waitAndServe() {
             intake_.refill();
         }
     }
+    bound_.begin();
     const bool goesOn = serving_.pass();
     sink_.printLines();
+    bound_.end();
     return goesOn;
 }
 

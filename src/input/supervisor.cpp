@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/service_manager.h"
 #include "base/singleton.h"
 #include "base/waiting.h"
+#include "base/work_bound.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
 #include "remote/handover.h"
@@ -90,11 +92,15 @@ void TimeCheckKeyEvent(InputSlices& slices) {
     Supervisor supervisor(slices);
     ListingWatch watch;
     DeviceListing listing;
+    tellServiceManager("READY=1");
     for (;;) {
         if (watch.mayHaveChanged() || listing.full.empty()) {
             listing = loadDeviceListing();
         }
         supervisor.poll(listing);
+        if (allWorkComesBack()) {
+            tellServiceManager("WATCHDOG=1");
+        }
         sleepMicroseconds(kPollMicroseconds);
     }
 }

@@ -3,6 +3,7 @@
 #include "base/log_queue.h"
 #include "base/state.h"
 #include "base/waiting.h"
+#include "base/work_bound.h"
 #include "net/udp_socket.h"
 #include "remote/box_in_control.h"
 #include "remote/picture.h"
@@ -19,10 +20,13 @@ void* viThr(void* /*unused*/) {
     socket->CreateUDPServer(kViPort, 1, true, true);
     InputViSocket = socket;
     const DeferredLog log;  // the log's thread wakes once a query, not once a line
+    WorkBound bound(std::chrono::seconds(10));
     for (;;) {
         const AddressText box = boxInControl().curIp;
         if (!box.empty() && !box.view().starts_with(AddressText::kNone)) {
+            bound.begin();
             TimegetChipVersion();
+            bound.end();
         }
         letLogLeave();
         sleepMicroseconds(kQueryPeriodMicroseconds);

@@ -1,4 +1,7 @@
 #include <linux/input-event-codes.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -118,6 +121,26 @@ TEST_F(Startup, OnlyThoseMayCommandWhoWereNamed) {
     expectLine("kvm quit");
     EXPECT_THAT(daemon().lines(), Not(Contains("preview quit")));
     EXPECT_THAT(daemon().lines(), Not(Contains("add mlt:224.168.1.1")));
+}
+
+TEST_F(Startup, TheServiceManagerHearsThatItIsReadyAndAlive) {
+    const std::string path = board().root() / "manager";
+    const int manager = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_un name{};
+    name.sun_family = AF_UNIX;
+    path.copy(name.sun_path, sizeof name.sun_path - 1);
+    ASSERT_EQ(bind(manager, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+    setenv("NOTIFY_SOCKET", path.c_str(), 1);
+    start();
+    unsetenv("NOTIFY_SOCKET");
+    for (const char* state : {"READY=1", "WATCHDOG=1", "WATCHDOG=1"}) {
+        pollfd waiting{manager, POLLIN, 0};
+        std::array<char, 32> text{};
+        EXPECT_EQ(poll(&waiting, 1, 3000), 1);
+        EXPECT_GT(recv(manager, text.data(), text.size() - 1, MSG_DONTWAIT), 0);
+        EXPECT_STREQ(text.data(), state);
+    }
+    close(manager);
 }
 
 TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {

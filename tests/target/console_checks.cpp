@@ -38,6 +38,10 @@ void startDaemon(Console& console) {
     machine.start("journalctl --follow --lines=all --output=cat --unit=tavrik &");
     console.checks.isTrue("systemd starts the unit", machine.start("systemctl start tavrik"));
     machine.start("daemon=$(systemctl show --property=MainPID --value tavrik)");
+    machine.shell("sleep 2");
+    console.checks.isTrue("and its watchdog is fed",
+                          console.figure("systemctl show --property=WatchdogTimestampMonotonic "
+                                         "--value tavrik") > 0);
     const std::string state = machine.shell("systemctl show --property=ExecStartPre tavrik");
     console.checks.isTrue("a register can be mapped under its restrictions",
                           state.find("status=0") != std::string::npos, state);
