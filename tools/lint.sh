@@ -28,7 +28,7 @@ check() {
 sources() { find "$@" -name '*.cpp' -o -name '*.h' | sort; }
 scripts() { grep -rlE --exclude-dir={build,.git} '^#!.*sh$' . | sort; }
 
-check clang-format clang-format --dry-run -Werror < <(sources src tools tests bench)
+check clang-format clang-format --dry-run -Werror < <(sources src tools tests bench fuzz)
 check shellcheck shellcheck -x < <(scripts)
 check clang-tidy -P "$(nproc)" -n 4 clang-tidy -p build/release --quiet < <(sources src tools | grep 'cpp$')
 exit "$failed"

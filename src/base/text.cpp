@@ -20,7 +20,8 @@ bool isControl(unsigned char byte, unsigned char before) {
 
 bool hasNoControls(std::string_view text) {
     unsigned char before = 0;
-    return std::none_of(text.begin(), text.end(), [&](unsigned char byte) {
+    return std::none_of(text.begin(), text.end(), [&](char letter) {
+        const auto byte = static_cast<unsigned char>(letter);
         return isControl(byte, std::exchange(before, byte));
     });
 }
@@ -29,13 +30,14 @@ std::string withoutControls(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     std::string shown;
     unsigned char before = 0;
-    for (const unsigned char byte : text) {
+    for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
         if (isControl(byte, std::exchange(before, byte))) {
             shown += "\\x";
             shown += kDigits[byte / 16];
             shown += kDigits[byte % 16];
         } else {
-            shown += static_cast<char>(byte);
+            shown += letter;
         }
     }
     return shown;

@@ -1,5 +1,6 @@
 #include "simulated/console.h"
 
+#include <arpa/inet.h>
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
@@ -139,6 +140,29 @@ void Console::run(const Operations& operations) {
         }
     }
     happen({});
+}
+
+void Console::happensNow(const Operation& operation) {
+    const Silence silence;
+    happen(operation);
+}
+
+void Console::order(const std::string& text) {
+    const Silence silence;
+    commands_.handle(text);
+    serve();
+}
+
+void Console::answer(const std::string& text) { answers_[kBoxes[0].address] = text; }
+
+void Console::give(unsigned device, InputRecord record) {
+    const Silence silence;
+    constexpr unsigned kDevices = 5;
+    InputDeviceList* const lists[] = {&devices_.keyDevices, &devices_.mouseDevices,
+                                      &devices_.touchDevices};
+    push(*lists[device % kDevices / 2], device % kDevices % 2, record.type, record.code,
+         record.value);
+    serve();
 }
 
 /// A key or a button that nothing stands in the way of has to arrive.
@@ -399,7 +423,8 @@ BoxInControl Console::boxNow() {
 
 bool Console::isInControl(const Place& place) {
     const BoxInControl box = boxNow();
-    return box.curIp.view() == place.ip &&
+    in_addr address{};
+    return inet_aton(box.curIp.c_str(), &address) != 0 && place.ip == inet_ntoa(address) &&
            (place.port == box.port() || (place.port == kUserPort && box.is_user_ip));
 }
 

@@ -53,6 +53,13 @@ class Console : Waiting {
     /// Lets it all happen, then rests, as long as goesOn(). What is printed goes nowhere.
     void run(const Operations& operations);
 
+    // What no list of operations has: one operation at once, any command, any answer of the first
+    // box, any record of a device (keyboards 0 and 1, mice 2 and 3, then the panel).
+    void happensNow(const Operation& operation);
+    void order(const std::string& text);
+    void answer(const std::string& text);
+    void give(unsigned device, InputRecord record);
+
     // For the doubles of the system's calls.
     void takeDatagram(const Place& to, std::string_view bytes, int fd);
     std::optional<std::pair<std::string, std::string>> takeAnswer(int fd);
