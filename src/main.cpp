@@ -87,12 +87,12 @@ int main(int argc, char** argv) {
     if (status >= 0) {
         return status;
     }
+    std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
+    guardStandardStreams();         // before anything can get the number of one that is closed
     if (!becomeTheOnlyOne()) {
         std::fputs("tavrik: another console runs in this network namespace\n", stderr);
         return kAlreadyRuns;
     }
-    std::signal(SIGPIPE, SIG_IGN);  // a log reader that went away must not end the console
-    guardStandardStreams();
     letGoAtTheEnd();
     startLogWriter();
     startUp(*events);

@@ -210,9 +210,11 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
         return false;
     }
     newest_.set({order, {}});
-    // Whatever stood behind the new text is empty lines until it is cut off.
+    // Whatever stood behind the new text, within reason, is empty lines until it is cut off.
+    constexpr off_t kMostLines = off_t{1} << 20;
     std::string whole = text;
-    whole.resize(std::max(text.size(), static_cast<std::size_t>(old.st_size)), '\n');
+    whole.resize(std::max(text.size(), static_cast<std::size_t>(std::min(old.st_size, kMostLines))),
+                 '\n');
     const bool written = writeAll(fd, whole) && doneOrNotKnown(fsync(fd)) &&
                          ftruncate(fd, static_cast<off_t>(text.size())) == 0 &&
                          doneOrNotKnown(fsync(fd));

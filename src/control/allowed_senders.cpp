@@ -40,6 +40,6 @@ std::optional<std::string> AllowedSenders::refuse(std::string_view sender, Clock
     told_ = now;
     const std::string count = std::to_string(refused_);
     refused_ = 0;
-    return "control: " + count + " datagrams from who may not command, the last from " +
+    return "control: " + count + " datagrams from addresses that may not command, the last from " +
            std::string(sender);
 }

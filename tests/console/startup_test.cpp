@@ -114,7 +114,7 @@ TEST_F(Startup, OnlyThoseMayCommandWhoWereNamed) {
     plan.options = {"--allow-control", "127.0.0.8/30", "--no-multicast"};
     start();
     send("PREVIEWQUIT");
-    expectLine("control: 1 datagrams from who may not command, the last from 127.0.0.1");
+    expectLine("control: 1 datagrams from addresses that may not command, the last from 127.0.0.1");
     send("PREVIEWQUIT");
     const rig::Box named({{"127.0.0.9", 0}});
     ASSERT_TRUE(named.send({"127.0.0.1", 41236}, "KVMQUIT"));

@@ -28,7 +28,7 @@ TEST(AllowedSenders, AreEverybodyOrThoseInOneOfTheNetworks) {
 TEST(AllowedSenders, TellTheirRefusalsOnceAMinute) {
     AllowedSenders senders;
     const AllowedSenders::Clock::time_point start{};
-    const std::string line = " datagrams from who may not command, the last from ";
+    const std::string line = " datagrams from addresses that may not command, the last from ";
     EXPECT_EQ(senders.refuse("a", start), "control: 1" + line + "a");
     EXPECT_EQ(senders.refuse("b", start + std::chrono::seconds(59)), std::nullopt);
     EXPECT_EQ(senders.refuse("c", start + std::chrono::seconds(60)), "control: 2" + line + "c");
