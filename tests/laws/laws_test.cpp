@@ -159,7 +159,9 @@ Operation randomOperation(std::mt19937& random) {
     } else if (kind < 93) {
         next = {Operation::kQuery, 0, 0, 0, upTo(30)};
     } else if (kind < 96) {
-        next = {Operation::kWait, 0, upTo(1000), 0, 0};
+        constexpr int kBackAnHour = -3'600'000, kForwardADay = 86'400'000;
+        const int jump = upTo(2) == 0 ? kBackAnHour : kForwardADay;
+        next = {Operation::kWait, 0, upTo(10) == 0 ? jump : upTo(1000), 0, 0};
     } else {
         next = {kind < 98 ? Operation::kRestart : Operation::kRest, 0, 0, 0, 0};
     }

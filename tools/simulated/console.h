@@ -126,8 +126,8 @@ class Console : Waiting {
     std::array<UDPSocket, 3> sockets_;
     const WaitingPlace place_{*this};
 
-    std::int64_t now_ = 1'000'000'000;  ///< microseconds
-    std::deque<Operation> between_;     ///< of other threads, not yet come in
+    std::int64_t now_ = 1'000'000'000'000;  ///< microseconds
+    std::deque<Operation> between_;         ///< of other threads, not yet come in
     bool comesBetween_ = false;
     int cameBetween_ = 0, reports_ = 0;
     bool startOrdered_ = false;                   ///< "OSDSTART", in the pass under way

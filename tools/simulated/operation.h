@@ -19,7 +19,7 @@ struct Operation {
         kOrder,    ///< `a`: row of kOrders; from here to kQuery it is another thread's
         kAnswer,   ///< box `device` answers row `a` of kAnswers from now on
         kQuery,    ///< the periodic one
-        kWait,     ///< `a` milliseconds
+        kWait,     ///< `a` milliseconds; the clock may also be set, back too
         kRestart,  ///< of the listener, as a plug causes it
         kRest,     ///< the person lets go of everything, and all that is under way ends
     };
