@@ -8,9 +8,12 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "base/clock.h"
 #include "base/waiting.h"
@@ -58,9 +61,39 @@ bool takeAddress(const char* text, in_addr& address) {
     return true;
 }
 
+/// Datagrams that could not be sent, by whichever socket.
+struct SendFailures {
+    unsigned untold = 0;
+    std::optional<std::chrono::steady_clock::time_point> told;
+};
+Guarded<SendFailures> sendFailures;
+
+/// One line, then one a minute at most.
+void tellSendFailure(const sockaddr_in& to, int error) {
+    const auto now = std::chrono::steady_clock::now();
+    const unsigned count = sendFailures.with([now](SendFailures& failures) -> unsigned {
+        ++failures.untold;
+        if (failures.told && now - *failures.told < std::chrono::minutes(1)) {
+            return 0;
+        }
+        failures.told = now;
+        return std::exchange(failures.untold, 0U);
+    });
+    if (count > 0) {
+        std::printf("cannot send to %s: %s (%u such datagrams)\n", dottedText(to.sin_addr).c_str(),
+                    std::strerror(error), count);
+    }
+}
+
 int sendDatagram(int fd, const sockaddr_in& to, const void* buffer, long length) {
-    return static_cast<int>(sendto(fd, buffer, static_cast<std::size_t>(length), 0,
-                                   reinterpret_cast<const sockaddr*>(&to), sizeof to));
+    const auto sent = static_cast<int>(sendto(fd, buffer, static_cast<std::size_t>(length), 0,
+                                              reinterpret_cast<const sockaddr*>(&to), sizeof to));
+    if (sent < 0) {
+        const int error = errno;
+        tellSendFailure(to, error);
+        errno = error;
+    }
+    return sent;
 }
 
 bool bindTo(int fd, const sockaddr_in& address) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <set>
@@ -116,6 +117,24 @@ TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
     EXPECT_LT(report->when - pressed, Milliseconds{400});
     expectReport(kFirstBox, "keys up");  // once the old listener is stopped
     expectReport(kFirstBox, "lights caps off num off");
+}
+
+TEST_F(Timing, ADatagramThatCannotLeaveCostsNothingElse) {
+    start();
+    for (const int error : {ENOBUFS, ENETUNREACH, EPERM, ENOMEM, EINTR}) {
+        hold("deny", error);
+        for (const std::uint16_t code : {std::uint16_t{KEY_A}, std::uint16_t{KEY_B}}) {
+            board().key(kKeyboard, code, true);
+            board().key(kKeyboard, code, false);
+        }
+        for (const char* report : {"keys up", "key down B", "keys up"}) {
+            expectReport(kFirstBox, report);
+        }
+    }
+    expectLine("cannot send to 127.0.0.31: No buffer space available (1 such datagrams)");
+    EXPECT_FALSE(daemon().waitForLine(
+        [](std::string_view line) { return line.starts_with("cannot send"); }, Milliseconds{50}))
+        << "one line a minute";
 }
 
 TEST_P(TheEnd, LetsGoOfWhatIsDown) {

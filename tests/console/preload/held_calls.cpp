@@ -3,30 +3,37 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 /// Preloaded into the daemon: holds one call up, so that what happens meanwhile is no accident of
-/// timing. The file named by HELD_CALLS holds "WHAT MILLISECONDS" and is removed by the call that
-/// it meets. WHAT: `press` (a report to a box that presses a key), `save` (an fsync).
+/// timing, or makes it fail. The file named by HELD_CALLS holds "WHAT NUMBER" and is removed by the
+/// call that it meets. WHAT: `press` (a report to a box that presses a key) or `save` (an fsync)
+/// for so many milliseconds; `deny`: such a report fails with that errno.
 
 namespace {
 
-void hold(std::string_view what) {
+/// The number when the next such call is meant, else 0.
+int numberFor(std::string_view what) {
     const char* path = std::getenv("HELD_CALLS");
     std::FILE* file = path != nullptr ? std::fopen(path, "re") : nullptr;
     if (file == nullptr) {
-        return;
+        return 0;
     }
     std::array<char, 16> word{};
-    unsigned milliseconds = 0;
-    const bool meant = std::fscanf(file, "%15s %u", word.data(), &milliseconds) == 2 &&
+    int number = 0;
+    const bool meant = std::fscanf(file, "%15s %d", word.data(), &number) == 2 &&
                        what == word.data() && unlink(path) == 0;
     std::fclose(file);
-    if (meant) {
-        usleep(milliseconds * 1000);
+    return meant ? number : 0;
+}
+
+void hold(std::string_view what) {
+    if (const int milliseconds = numberFor(what)) {
+        usleep(static_cast<useconds_t>(milliseconds) * 1000);
     }
 }
 
@@ -47,6 +54,10 @@ extern "C" ssize_t sendto(int fd, const void* buffer, size_t length, int flags, 
     const std::string_view bytes(static_cast<const char*>(buffer), length);
     if (pressesKey(bytes)) {
         hold("press");
+        if (const int error = numberFor("deny")) {
+            errno = error;
+            return -1;
+        }
     }
     return real(fd, buffer, length, flags, to, size);
 }
