@@ -6,6 +6,7 @@
 #include <sys/syscall.h>
 #include <sys/time.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 
@@ -34,7 +35,7 @@ class Unprivileged {
 
 /// The error of every fsync, 0 for none; how many there were.
 int failingFsync = 0;
-int flushes = 0;
+std::atomic<int> flushes = 0;
 
 mode_t permissionsOf(const std::string& path) {
     struct stat info {};
