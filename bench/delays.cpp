@@ -65,50 +65,66 @@ Speed fullSpeed(Subject& subject) {
             arrived / std::chrono::duration<double>(last - start).count(), kMovements - arrived};
 }
 
+struct Kind {
+    const char* name;
+    int node;
+    std::function<std::vector<InputRecord>(int)> records;
+};
+
+constexpr std::array kShares{0.5, 0.99, 0.999, 1.0};
+constexpr std::array kShareNames{"p50", "p99", "p99.9", "max"};
+
+/// Microseconds of the three, and of each share the ratios of the rounds.
+struct Delays {
+    std::array<std::vector<double>, 3> all;
+    /// The console's over the plain loop's, and the plain loop's over its own of the same round.
+    std::array<std::vector<double>, kShares.size()> ratios, loops;
+};
+
+/// One round: the three in turn, then the plain loop once more.
+void addRound(Delays& delay, Three& three, const Kind& kind) {
+    std::array<std::vector<double>, 3> now;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        now[i] = delays(three.subjects[i], kind.node, kind.records);
+        delay.all[i].insert(delay.all[i].end(), now[i].begin(), now[i].end());
+    }
+    const auto again = delays(three.subjects[1], kind.node, kind.records);
+    for (std::size_t share = 0; share < kShares.size(); ++share) {
+        const double plain = percentile(now[1], kShares[share]);
+        delay.ratios[share].push_back(percentile(now[0], kShares[share]) / plain);
+        delay.loops[share].push_back(percentile(again, kShares[share]) / plain);
+    }
+}
+
+void addRows(Table& table, const char* name, const Delays& delay) {
+    const auto& [console, plain, batch] = delay.all;
+    for (std::size_t share = 0; share < kShares.size(); ++share) {
+        const double at = kShares[share];
+        table.add(std::string(name) + " " + kShareNames[share], "us", percentile(console, at),
+                  percentile(plain, at), percentile(batch, at), median(delay.ratios[share]));
+        table.add("  the plain loop against itself", "ratio", median(delay.loops[share]));
+    }
+    const int sent = kRounds * kSamples;
+    const auto lost = [sent](const std::vector<double>& arrived) {
+        return sent - static_cast<double>(arrived.size());
+    };
+    table.add("  lost of " + std::to_string(sent), "", lost(console), lost(plain), lost(batch));
+}
+
 }  // namespace
 
 void measureDelays(Table& table) {
-    const struct {
-        const char* name;
-        int node;
-        std::function<std::vector<InputRecord>(int)> records;
-    } kinds[] = {{"key", 0, [](int i) { return key(i % 2 == 0); }},
-                 {"movement", 1, [](int i) { return movement(i % 2 == 0 ? 1 : -1, 0); }},
-                 {"click", 1, [](int i) { return click(i % 2 == 0); }}};
-    auto three = std::make_unique<Three>();
-    for (const auto& kind : kinds) {
+    const Kind kinds[] = {{"key", 0, [](int i) { return key(i % 2 == 0); }},
+                          {"movement", 1, [](int i) { return movement(i % 2 == 0 ? 1 : -1, 0); }},
+                          {"click", 1, [](int i) { return click(i % 2 == 0); }}};
+    const auto three = std::make_unique<Three>();
+    for (const Kind& kind : kinds) {
         progress(std::string("delays of a ") + kind.name);
-        std::array<std::vector<double>, 3> all;
-        std::array<std::vector<double>, 4> ratios, loops;
-        constexpr double kShares[] = {0.5, 0.99, 0.999, 1};
+        Delays delay;
         for (int round = 0; round < kRounds; ++round) {
-            std::array<std::vector<double>, 4> now;
-            for (std::size_t i = 0; i < 4; ++i) {  // the plain loop once more, against itself
-                now[i] = delays(three->subjects[i % 3 == 0 ? (i == 3 ? 1 : 0) : i], kind.node,
-                                kind.records);
-                if (i < 3) {
-                    all[i].insert(all[i].end(), now[i].begin(), now[i].end());
-                }
-            }
-            for (std::size_t share = 0; share < 4; ++share) {
-                const double plain = percentile(now[1], kShares[share]);
-                ratios[share].push_back(percentile(now[0], kShares[share]) / plain);
-                loops[share].push_back(percentile(now[3], kShares[share]) / plain);
-            }
+            addRound(delay, *three, kind);
         }
-        constexpr const char* kNames[] = {"p50", "p99", "p99.9", "max"};
-        for (std::size_t share = 0; share < 4; ++share) {
-            const std::string name = std::string(kind.name) + " " + kNames[share];
-            table.add(name, "us", percentile(all[0], kShares[share]),
-                      percentile(all[1], kShares[share]), percentile(all[2], kShares[share]),
-                      median(ratios[share]));
-            table.add("  the plain loop against itself", "ratio", median(loops[share]));
-        }
-        const int sent = kRounds * kSamples;
-        table.add(std::string("  lost of ") + std::to_string(sent), "",
-                  sent - static_cast<double>(all[0].size()),
-                  sent - static_cast<double>(all[1].size()),
-                  sent - static_cast<double>(all[2].size()));
+        addRows(table, kind.name, delay);
     }
 }
 

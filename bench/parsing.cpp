@@ -1,9 +1,7 @@
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
-#include <utility>
 
 #include "base/state.h"
 #include "config/config_lines.h"
@@ -12,6 +10,7 @@
 #include "remote/box_reply.h"
 #include "remote/map_text.h"
 #include "remote/wall_map.h"
+#include "simulated/silence.h"
 
 namespace {
 
@@ -34,21 +33,9 @@ void loadSettings(benchmark::State& state) {
     }
 }
 
-/// What the console says meanwhile is no part of the table.
-class Silence {
- public:
-    ~Silence() {
-        std::fclose(stdout);
-        stdout = before_;
-    }
-
- private:
-    std::FILE* const before_ = std::exchange(stdout, std::fopen("/dev/null", "w"));
-};
-
 /// With its flush to the disk.
 void saveSettings(benchmark::State& state) {
-    const Silence silence;
+    const simulated::Silence silence;  // the table is on standard output
     const std::string path = std::filesystem::temp_directory_path() / "tavrik-bench.ini";
     SoftwareConfig config(path);
     for (std::int64_t line = 0; line < state.range(0); ++line) {
@@ -66,7 +53,7 @@ void saveSettings(benchmark::State& state) {
 }
 
 void loadWall(benchmark::State& state) {
-    const Silence silence;
+    const simulated::Silence silence;  // the table is on standard output
     for (auto _ : state) {
         outInfo_.set({});
         for (std::int64_t line = 0; line < state.range(0); ++line) {

@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -29,23 +28,11 @@ void require(bool holds) {
 class Watched : public simulated::Console {
  public:
     Watched() : Console({}) {}
-    void judge() {
-        for (const auto& [place, down] : told_) {
-            require(!down.any() || isInControl(place));
-        }
-    }
 
  private:
-    void reported(const simulated::Place& place, const simulated::Down& down, bool) override {
-        told_[place] = down;
-    }
     void composed(int datagrams, int due) override { require(datagrams <= due); }
-    void beforePass() override {}
-    void afterPass() override { judge(); }
-    void served() override { judge(); }
-    void plainlyServed(const simulated::Place&, bool, bool) override {}
-
-    std::map<simulated::Place, simulated::Down> told_;
+    void afterPass() override { require(!downWhereControlLeft()); }
+    void served() override { require(!downWhereControlLeft()); }
 };
 
 /// Calls `take` for each piece of `text` between bytes 0xFF.

@@ -32,30 +32,21 @@ constexpr const char* kHelp =
 constexpr int kAlreadyRuns = 1;
 constexpr int kUsageError = 2;
 
-/// Takes one option with its value, if it has one; true when it is known and right. What is wrong
-/// is told.
-bool takeOption(std::string_view option, const char* value, bool& takesValue, inputevent_& events) {
-    takesValue = option == "--root" || option == "--allow-control";
-    if (option == "--release-everything") {
-        releaseEverything = 1;
-    } else if (option == "--no-multicast") {
-        events.forCommands.joinsGroup = false;
-    } else if (option == "--root" && value != nullptr && *value != '\0') {
-        setPathPrefix(value);
-    } else if (option == "--root") {
+bool takeRoot(const char* directory) {
+    if (directory == nullptr || *directory == '\0') {
         std::fputs("tavrik: --root needs a directory\n", stderr);
         return false;
-    } else if (option == "--allow-control") {
-        if (value == nullptr || !events.allowedSenders.add(value)) {
-            std::fputs("tavrik: --allow-control needs an address or address/bits\n", stderr);
-            return false;
-        }
-    } else {
-        std::fprintf(stderr, "tavrik: unknown option %.*s (see --help)\n",
-                     static_cast<int>(option.size()), option.data());
-        return false;
     }
+    setPathPrefix(directory);
     return true;
+}
+
+bool takeAllowed(const char* network, AllowedSenders& allowed) {
+    const bool taken = network != nullptr && allowed.add(network);
+    if (!taken) {
+        std::fputs("tavrik: --allow-control needs an address or address/bits\n", stderr);
+    }
+    return taken;
 }
 
 /// What the command line asks for: -1 to run, otherwise the exit status to end with.
@@ -70,11 +61,22 @@ int parseArguments(int count, char** arguments, inputevent_& events) {
             std::printf("tavrik %s\n", kVersion);
             return 0;
         }
-        bool takesValue = false;
-        if (!takeOption(option, i + 1 < count ? arguments[i + 1] : nullptr, takesValue, events)) {
+        bool good = true;  // behind the last argument stands a null
+        if (option == "--release-everything") {
+            releaseEverything = 1;
+        } else if (option == "--no-multicast") {
+            events.forCommands.joinsGroup = false;
+        } else if (option == "--allow-control") {
+            good = takeAllowed(arguments[++i], events.allowedSenders);
+        } else if (option == "--root") {
+            good = takeRoot(arguments[++i]);
+        } else {
+            std::fprintf(stderr, "tavrik: unknown option %s (see --help)\n", arguments[i]);
+            good = false;
+        }
+        if (!good) {
             return kUsageError;
         }
-        i += takesValue ? 1 : 0;
     }
     return -1;
 }

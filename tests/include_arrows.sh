@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # include_arrows.sh DIR: fails when a file of DIR/src includes what does not stand to the right of its room in
 #   app -> input -> control -> remote -> { config, net } -> base
-# or when a tool includes anything of src but remote/wire and base (tools/simulated is made of the daemon's own rooms). However an include is written ("../x/y.h",
-# <x/y.h>), it is the file that it leads to which counts.
+# or when a tool includes anything of src but remote/wire and base (tools/simulated is made of the daemon's own rooms).
+# However an include is written ("../x/y.h", <x/y.h>), it is the file that it leads to which counts.
 # include_arrows.sh --prove: a tree with one wrong include of each kind must fail.
 set -eu
 

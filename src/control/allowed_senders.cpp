@@ -33,13 +33,10 @@ bool AllowedSenders::allows(in_addr sender) const {
 }
 
 std::optional<std::string> AllowedSenders::refuse(std::string_view sender, Clock::time_point now) {
-    ++refused_;
-    if (told_ && now - *told_ < std::chrono::minutes(1)) {
+    const unsigned count = refused_.count(now);
+    if (count == 0) {
         return std::nullopt;
     }
-    told_ = now;
-    const std::string count = std::to_string(refused_);
-    refused_ = 0;
-    return "control: " + count + " datagrams from addresses that may not command, the last from " +
-           std::string(sender);
+    return "control: " + std::to_string(count) +
+           " datagrams from addresses that may not command, the last from " + std::string(sender);
 }

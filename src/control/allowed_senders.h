@@ -2,12 +2,13 @@
 
 #include <netinet/in.h>
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "base/once_a_minute.h"
 
 /// Who may command this console: everybody, or the addresses that were named. Filled before the
 /// control thread exists, then its alone.
@@ -17,9 +18,8 @@ class AllowedSenders {
     bool add(std::string_view text);
     bool allows(in_addr sender) const;
 
-    /// Counts a datagram that was not allowed. The line that is due: at once for the first, then
-    /// one a minute at most.
-    using Clock = std::chrono::steady_clock;
+    /// Counts a datagram that was not allowed. The line that is due, if one is.
+    using Clock = OnceAMinute::Clock;
     std::optional<std::string> refuse(std::string_view sender, Clock::time_point now);
 
  private:
@@ -27,6 +27,5 @@ class AllowedSenders {
         std::uint32_t address, mask;
     };
     std::vector<Network> networks_;
-    unsigned refused_ = 0;  ///< since the last line
-    std::optional<Clock::time_point> told_;
+    OnceAMinute refused_;
 };

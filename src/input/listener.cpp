@@ -52,16 +52,17 @@ void setTouchInput(Guarded<AddressText>& touchInputIp) {
 class Listener {
  public:
     Listener(Devices& devices, ConsoleState& console)
-        : devices_(devices), state_{console,
-                                    currentInfo,
-                                    hotkeyinfo_,
-                                    qtFlag != 0,
-                                    ctrl_3_flag != 0,
-                                    alt_3_flag != 0,
-                                    shift_3_flag != 0,
-                                    boxInControl(),
-                                    {},
-                                    releaseEverything != 0} {}
+        : devices_(devices),
+          state_{.console = console,
+                 .place = currentInfo,
+                 .hotkeys = hotkeyinfo_,
+                 .osdIsHere = qtFlag != 0,
+                 .ctrlTaps = ctrl_3_flag != 0,
+                 .altTaps = alt_3_flag != 0,
+                 .shiftTaps = shift_3_flag != 0,
+                 .box = boxInControl(),
+                 .keys = {},
+                 .releaseEverything = releaseEverything != 0} {}
 
     void begin();
     bool waitAndServe();

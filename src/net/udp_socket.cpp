@@ -8,14 +8,12 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <optional>
 #include <string>
-#include <utility>
 
 #include "base/clock.h"
+#include "base/once_a_minute.h"
 #include "base/waiting.h"
 #include "net/dotted_text.h"
 #include "net/network_info.h"
@@ -62,23 +60,11 @@ bool takeAddress(const char* text, in_addr& address) {
 }
 
 /// Datagrams that could not be sent, by whichever socket.
-struct SendFailures {
-    unsigned untold = 0;
-    std::optional<std::chrono::steady_clock::time_point> told;
-};
-Guarded<SendFailures> sendFailures;
+Guarded<OnceAMinute> sendFailures;
 
-/// One line, then one a minute at most.
 void tellSendFailure(const sockaddr_in& to, int error) {
-    const auto now = std::chrono::steady_clock::now();
-    const unsigned count = sendFailures.with([now](SendFailures& failures) -> unsigned {
-        ++failures.untold;
-        if (failures.told && now - *failures.told < std::chrono::minutes(1)) {
-            return 0;
-        }
-        failures.told = now;
-        return std::exchange(failures.untold, 0U);
-    });
+    const unsigned count = sendFailures.with(
+        [now = OnceAMinute::Clock::now()](OnceAMinute& failures) { return failures.count(now); });
     if (count > 0) {
         std::printf("cannot send to %s: %s (%u such datagrams)\n", dottedText(to.sin_addr).c_str(),
                     std::strerror(error), count);

@@ -23,6 +23,16 @@ void tellLights(bool capsLock, bool numLock) {
     });
 }
 
+/// Lights and query of the box that got control with the handover `serial`; both are due again when
+/// control moved on meanwhile, for they may have gone to another.
+void tellAndAsk(ConsoleState& state, std::uint64_t serial) {
+    syncLed(state.lights, true);
+    queryBox(state.duties);
+    if (boxInControl().serial != serial) {
+        state.duties.hotPlugFlag = 1;
+    }
+}
+
 }  // namespace
 
 int syncLed(Lights& lights, bool send) {
@@ -60,11 +70,7 @@ void bringBoxUpToDate(ConsoleState& state) {
     if (box.isNone() || box.is_user_ip) {
         return;
     }
-    syncLed(state.lights, true);
-    queryBox(state.duties);
-    if (boxInControl().serial != box.serial) {
-        state.duties.hotPlugFlag = 1;  // its query may have gone to another
-    }
+    tellAndAsk(state, box.serial);
 }
 
 bool resyncIsDue(const ConsoleState& state, const BoxInControl& box) {
@@ -73,10 +79,5 @@ bool resyncIsDue(const ConsoleState& state, const BoxInControl& box) {
 
 void resync(ConsoleState& state) {
     state.duties.hotPlugFlag = 0;
-    const std::uint64_t serial = boxInControl().serial;
-    syncLed(state.lights, true);
-    queryBox(state.duties);
-    if (boxInControl().serial != serial) {
-        state.duties.hotPlugFlag = 1;
-    }
+    tellAndAsk(state, boxInControl().serial);
 }

@@ -41,7 +41,6 @@ class Judged : public simulated::Console {
  private:
     bool goesOn() const override { return problem_.empty(); }
     void reported(const Place& place, const Down& down, bool isItsBoxes) override {
-        told_[place] = down;
         openedWith_.erase(place);
         if (!isItsBoxes) {
             breaks("L4: not a box's, or not in its form at its port", place, down);
@@ -53,7 +52,7 @@ class Judged : public simulated::Console {
         }
     }
     void plainlyServed(const Place& place, bool isKey, bool pressed) override {
-        const Down down = told_[place];
+        const Down down = toldAt(place);
         if ((isKey ? down.usage != 0 : down.buttons != 0) != pressed) {
             breaks("L4: what a person did is lost", place, down);
         }
@@ -61,13 +60,13 @@ class Judged : public simulated::Console {
     void beforePass() override { modeWasOpen_ = !modes().areOff(); }
     void afterPass() override {
         if (!modeWasOpen_ && !modes().areOff() && !startWasOrdered()) {
-            openedWith_ = told_;
+            openedWith_ = told();
         }
         judgeWhereControlLeft();
     }
     void served() override {
         judgeWhereControlLeft();
-        for (const auto& [place, down] : told_) {
+        for (const auto& [place, down] : told()) {
             const Down wrong = notHeld(down);
             if (wrong.any() && !excuse(place, wrong)) {
                 breaks(heldKeys().empty() && heldButtons() == 0 ? "L2" : "L3", place, down);
@@ -76,10 +75,8 @@ class Judged : public simulated::Console {
     }
 
     void judgeWhereControlLeft() {
-        for (const auto& [place, down] : told_) {
-            if (down.any() && !isInControl(place)) {
-                breaks("L1", place, down);
-            }
+        if (const auto place = downWhereControlLeft()) {
+            breaks("L1", *place, toldAt(*place));
         }
     }
     Down notHeld(Down down) const {
@@ -123,7 +120,6 @@ class Judged : public simulated::Console {
         }
     }
 
-    std::map<Place, Down> told_;
     std::map<Place, Down> openedWith_;  ///< as it was when taps opened a mode
     bool modeWasOpen_ = false;
     std::string problem_;
@@ -223,8 +219,7 @@ TEST(Laws, HaveTheseExceptions) {
         return Operation{Operation::kKey, 0, static_cast<int>(row), 0, 0};
     };
     const auto tap = [&](std::size_t row) { return Operations{key(row), key(row)}; };
-    Operations open = tap(kCtrl);
-    open.insert(open.end(), {key(kCtrl), key(kCtrl), key(kCtrl), key(kCtrl)});
+    const Operations open(6, key(kCtrl));  // three taps
     const auto around = [&](const Operation& press) {
         Operations all{press};
         all.insert(all.end(), open.begin(), open.end());

@@ -4,7 +4,6 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "base/path_prefix.h"
 #include "base/state.h"
@@ -16,6 +15,9 @@
 #include "remote/selection.h"
 #include "remote/wall_map.h"
 #include "simulated/doubles.h"
+#include "simulated/fresh_state.h"
+#include "simulated/guards.h"
+#include "simulated/silence.h"
 
 namespace simulated {
 
@@ -53,17 +55,6 @@ constexpr std::size_t kKeysForm = 0, kAbsolute = 1, kRelative = 2, kUserKeys = 3
 constexpr int kUserPort = 2000, kOsdPorts[] = {41237, 41238};
 constexpr std::int32_t kPanelRange = 4096;
 
-class Silence {
- public:
-    ~Silence() {
-        std::fclose(stdout);
-        stdout = before_;
-    }
-
- private:
-    std::FILE* const before_ = std::exchange(stdout, std::fopen("/dev/null", "w"));
-};
-
 Place placeOf(const BoxInControl& box, bool isKey) {
     const std::size_t pointer = box.rel_enable ? kRelative : kAbsolute;
     return box.is_user_ip ? Place{box.curIp.c_str(), kUserPort, isKey ? kUserKeys : kUserPointer}
@@ -73,16 +64,16 @@ Place placeOf(const BoxInControl& box, bool isKey) {
 }  // namespace
 
 Console::Console(const Options& options)
-    : options_(options), state_{console_,
-                                currentInfo,
-                                hotkeyinfo_,
-                                options.osdIsHere,
-                                true,
-                                !options.osdIsHere,
-                                !options.osdIsHere,
-                                {},
-                                {},
-                                options.releaseEverything} {
+    : options_(options),
+      state_{.console = console_,
+             .place = currentInfo,
+             .hotkeys = hotkeyinfo_,
+             .osdIsHere = options.osdIsHere,
+             .altTaps = !options.osdIsHere,
+             .shiftTaps = !options.osdIsHere,
+             .box = {},
+             .keys = {},
+             .releaseEverything = options.releaseEverything} {
     const Silence silence;
     setPathPrefix("/nowhere");  // there are no settings, and no place for them
     for (auto [socket, known] : {std::pair{&sockets_[0], &InputSocket},
@@ -91,22 +82,16 @@ Console::Console(const Options& options)
         socket->CreateUDPServer(0, 1, true, true);
         *known = socket;
     }
-    handOver([](const BoxInControl&) { return std::optional(BoxInControl{}); }, LetGo::kAlways);
-    setInputPort(kBoxPort);
+    freshState();
     releaseEverything = options.releaseEverything ? 1 : 0;
     startFlag = 0;
     hotkeyinfo_.set({});
     localip.set(AddressText{"10.0.0.1"});
-    vi_info.set({});
-    currentInfo.set({});
-    outInfo_.set({});
-    user_ip.clear();
     for (const Box& box : kBoxes) {
         if (box.user) {
-            user_ip.emplace_back(box.address);
+            listAsUserBox(box.address);
         }
     }
-    user_n = static_cast<std::int32_t>(user_ip.size());
     for (const char* line : kWall) {
         CreatOutIpMap(line);
     }
@@ -117,11 +102,13 @@ Console::Console(const Options& options)
     devices_.keyDevices.fds[0] = kFirstFd;
     devices_.keyDevices.fds[1] = kFirstFd + 1;
     running = this;
+    beforeGuard = [this] { comeBetween(); };
     restart();
 }
 
 Console::~Console() {
     running = nullptr;
+    beforeGuard = nullptr;
     InputSocket = InputViSocket = KvmSetSocket = nullptr;
     releaseEverything = 0;
     setPathPrefix("");
@@ -372,6 +359,7 @@ void Console::takeDatagram(const Place& to, std::string_view bytes, int fd) {
         box != kBoxes.end() &&
         (!down.any() || ((form->user == box->user || place.form == kAbsolute) &&
                          to.port == (form->user ? kUserPort : kBoxPort + box->offset)));
+    told_[place] = down;
     reported(place, down, isItsBoxes);
 }
 
@@ -412,6 +400,20 @@ std::uint8_t Console::heldButtons() const {
         buttons |= list == &devices_.keyDevices ? 0U : code == BTN_RIGHT ? 2U : 1U;
     }
     return static_cast<std::uint8_t>(buttons);
+}
+
+Down Console::toldAt(const Place& place) const {
+    const auto told = told_.find(place);
+    return told == told_.end() ? Down{} : told->second;
+}
+
+std::optional<Place> Console::downWhereControlLeft() {
+    for (const auto& [place, down] : told_) {
+        if (down.any() && !isInControl(place)) {
+            return place;
+        }
+    }
+    return std::nullopt;
 }
 
 BoxInControl Console::boxNow() {

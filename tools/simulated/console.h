@@ -25,7 +25,10 @@ struct Place {
     std::string ip;
     int port = 0;
     std::size_t form = 0;
-    auto operator<=>(const Place&) const = default;
+    bool operator==(const Place&) const = default;
+    bool operator<(const Place& other) const {
+        return std::tie(ip, port, form) < std::tie(other.ip, other.port, other.form);
+    }
 };
 
 /// What a report says is down.
@@ -69,23 +72,26 @@ class Console : Waiting {
     virtual bool goesOn() const { return true; }
     /// A report arrived. `isItsBoxes`: there is such a box, and what is pressed goes to its port in
     /// its form.
-    virtual void reported(const Place& place, const Down& down, bool isItsBoxes) = 0;
+    virtual void reported(const Place& /*place*/, const Down& /*down*/, bool /*isItsBoxes*/) {}
     /// The rules gave one report to the box in control: so many datagrams came of it, so many were
     /// due.
-    virtual void composed(int datagrams, int due) = 0;
-    virtual void beforePass() = 0;
-    virtual void afterPass() = 0;
-    virtual void served() = 0;  ///< nothing waits any more
+    virtual void composed(int /*datagrams*/, int /*due*/) {}
+    virtual void beforePass() {}
+    virtual void afterPass() {}
+    virtual void served() {}  ///< nothing waits any more
     /// A key or a button that no rule looks at was pressed or let go of and served.
-    virtual void plainlyServed(const Place& place, bool isKey, bool pressed) = 0;
+    virtual void plainlyServed(const Place& /*place*/, bool /*isKey*/, bool /*pressed*/) {}
 
     const Options& options() const { return options_; }
     const Modes& modes() const { return console_.modes; }
     /// What is held, by its rows of kKeys and as button bits.
     std::set<std::size_t> heldKeys() const;
     std::uint8_t heldButtons() const;
-    /// True when control is where such a report goes.
-    bool isInControl(const Place& place);
+    /// What each place was last told is down.
+    const std::map<Place, Down>& told() const { return told_; }
+    Down toldAt(const Place& place) const;
+    /// A place where something is down that control has left; nothing when there is none.
+    std::optional<Place> downWhereControlLeft();
     /// True when a button came up while the pointer was not the box's, and none since.
     bool missedRelease() const { return missed_[0] || missed_[1]; }
     bool startWasOrdered() const { return startOrdered_; }
@@ -97,6 +103,8 @@ class Console : Waiting {
         Console& console_;
     };
 
+    /// True when control is where such a report goes.
+    bool isInControl(const Place& place);
     /// The box in control, without an operation that comes in between.
     BoxInControl boxNow();
 
@@ -130,8 +138,9 @@ class Console : Waiting {
     std::deque<Operation> between_;         ///< of other threads, not yet come in
     bool comesBetween_ = false;
     int cameBetween_ = 0, reports_ = 0;
-    bool startOrdered_ = false;                   ///< "OSDSTART", in the pass under way
-    std::map<std::string, std::string> answers_;  ///< of the boxes, by address
+    bool startOrdered_ = false;  ///< "OSDSTART", in the pass under way
+    std::map<Place, Down> told_;
+    std::map<std::string, std::string> answers_;                  ///< of the boxes, by address
     std::map<int, std::pair<std::string, std::string>> waiting_;  ///< sender and text, by socket
     std::set<std::tuple<InputDeviceList*, std::size_t, int>> held_;
     /// Of mice and of panels: what waits to be served (true: a button comes up), by device.

@@ -1,7 +1,6 @@
 #include "simulated/doubles.h"
 
 #include <arpa/inet.h>
-#include <pthread.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -18,16 +17,12 @@ using simulated::kBoxPort;
 using simulated::kFirstFd;
 using simulated::running;
 
-thread_local int guards = 0;
-
 }  // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker's --wrap asks for
 extern "C" {
 
 int __real_ioctl(int, unsigned long, void*);
-int __real_pthread_mutex_lock(pthread_mutex_t*);
-int __real_pthread_mutex_unlock(pthread_mutex_t*);
 
 ssize_t __wrap_sendto(int fd, const void* bytes, std::size_t size, int, const sockaddr* to,
                       socklen_t) {
@@ -53,19 +48,6 @@ ssize_t __wrap_recvfrom(int fd, void* bytes, std::size_t size, int, sockaddr* fr
 /// The keyboards' lights are off.
 int __wrap_ioctl(int fd, unsigned long request, void* data) {
     return fd >= kFirstFd ? 0 : __real_ioctl(fd, request, data);
-}
-
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
-    if (guards == 0 && running != nullptr) {
-        running->comeBetween();
-    }
-    ++guards;
-    return __real_pthread_mutex_lock(mutex);
-}
-
-int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
-    --guards;
-    return __real_pthread_mutex_unlock(mutex);
 }
 
 }  // extern "C"

@@ -1,6 +1,5 @@
 #include "unit/remote/between.h"
 
-#include <pthread.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
@@ -8,18 +7,10 @@
 
 // The linker leads the calls of these functions here (--wrap).
 
-namespace {
-
-thread_local int guards = 0;
-
-}  // namespace
-
 extern "C" {
 
 ssize_t __real_sendto(int, const void*, std::size_t, int, const sockaddr*, socklen_t);
 int __real_ioctl(int, unsigned long, void*);
-int __real_pthread_mutex_lock(pthread_mutex_t*);
-int __real_pthread_mutex_unlock(pthread_mutex_t*);
 
 ssize_t __wrap_sendto(int fd, const void* bytes, std::size_t size, int flags, const sockaddr* to,
                       socklen_t length) {
@@ -35,19 +26,6 @@ int __wrap_ioctl(int fd, unsigned long request, void* data) {
     }
     *static_cast<std::uint8_t*>(data) = static_cast<std::uint8_t>(lightsOfKeyboard);
     return 1;
-}
-
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
-    if (guards == 0 && beforeGuard) {
-        beforeGuard();
-    }
-    ++guards;
-    return __real_pthread_mutex_lock(mutex);
-}
-
-int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
-    --guards;
-    return __real_pthread_mutex_unlock(mutex);
 }
 
 }  // extern "C"

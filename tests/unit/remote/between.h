@@ -3,13 +3,12 @@
 #include <functional>
 #include <string_view>
 
+#include "simulated/guards.h"
+
 /// What comes between two steps of a thread, played without a second thread and without luck.
 
 /// Called with the socket and the bytes of every datagram before it leaves.
 inline std::function<void(int fd, std::string_view bytes)> beforeSend;
-
-/// Called before a thread that holds no guard takes one.
-inline std::function<void()> beforeGuard;
 
 /// What a keyboard tells of its lights; below 0: the kernel answers.
 inline int lightsOfKeyboard = -1;

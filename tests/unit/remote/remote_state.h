@@ -13,6 +13,7 @@
 #include "remote/current_screen.h"
 #include "remote/handover.h"
 #include "remote/wall_map.h"
+#include "simulated/fresh_state.h"
 #include "unit/fixture.h"
 
 inline constexpr const char* kKeysUp = "57 ab 01 00 00 00 00 00 00 00 00";
@@ -83,16 +84,7 @@ class RemoteState : public testing::Test {
  protected:
     RemoteState() {
         std::filesystem::create_directories(root.path("data"));
-        handOver([](const BoxInControl&) { return std::optional(BoxInControl{}); }, LetGo::kAlways);
-        setInputPort(80);
-        clear_flag = vr_mouse = 0;
-        qtFlag = startFlag = 1;
-        localip.set({});
-        user_ip.clear();
-        user_n = 0;
-        vi_info.set({});
-        currentInfo.set({});
-        outInfo_.set({});
+        freshState();
         toBoxes.CreateUDPServer(0, 1, true, true);
         InputSocket = &toBoxes;
     }
@@ -112,10 +104,6 @@ class RemoteState : public testing::Test {
             box.curIp.assign(receiver.ip);
             box.port_add = receiver.port - 80;
         });
-    }
-    static void listAsUserBox(const std::string& ip) {
-        user_ip.emplace_back(ip);
-        user_n = static_cast<std::int32_t>(user_ip.size());
     }
     static void placePointer(std::int32_t x, std::int32_t y) {
         currentInfo.with([=](currentCtl& now) { now.pointerX = x, now.pointerY = y; });

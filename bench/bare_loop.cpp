@@ -1,5 +1,6 @@
-// The bare loop with one difference: a read takes up to 64 records. batch_loop ADDRESS PORT
-// KEYBOARD NODE...
+// The bare loop that the console is measured against: wait, one read of each ready node, one
+// datagram a key or a packet of motion. No rules, no log. A read takes RECORDS_A_READ records at
+// most: 1 is the plain loop, 64 the batch loop. ADDRESS PORT KEYBOARD NODE...
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <linux/input-event-codes.h>
@@ -36,7 +37,7 @@ int main(int argc, char** argv) {
         }
         select(nodes[argc - 1] + 1, &ready, nullptr, nullptr, nullptr);
         for (int i = 3; i < argc; ++i) {
-            std::array<InputRecord, 64> records;
+            std::array<InputRecord, RECORDS_A_READ> records;
             const ssize_t got =
                 FD_ISSET(nodes[i], &ready) ? read(nodes[i], records.data(), sizeof records) : 0;
             for (ssize_t n = 0; n < got / 16; ++n) {
