@@ -87,16 +87,41 @@ DeviceListing takeListing(const std::string& text) {
     return listing;
 }
 
-bool ListingWatch::mayHaveChanged() {
+DeviceListing loadDeviceListing() {
+    return takeListing(readFileStart(listingPath(), kMostRead).text);
+}
+
+CurrentListing::Change CurrentListing::change() {
     if (file_ < 0) {
         file_.reset(open(listingPath().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     }
-    pollfd changes{file_, POLLIN, 0};
-    return file_ < 0 || poll(&changes, 1, 0) != 0;
+    if (file_ < 0) {
+        return Change::kUnknown;
+    }
+    pollfd changes{file_, POLLIN | POLLOUT, 0};
+    if (poll(&changes, 1, 0) == 0) {
+        return Change::kNone;
+    }
+    return (changes.revents & POLLOUT) == 0 ? Change::kTold : Change::kUnknown;
 }
 
-DeviceListing loadDeviceListing() {
-    return takeListing(readFileStart(listingPath(), kMostRead).text);
+/// A change that is told while it reads belongs to what is read, not to the next look.
+void CurrentListing::read() {
+    bool toldMeanwhile = false;
+    do {
+        listing_ = loadDeviceListing();
+        toldMeanwhile = change() == Change::kTold;
+        told_ |= toldMeanwhile;
+    } while (toldMeanwhile);
+}
+
+const DeviceListing& CurrentListing::look(bool anyway) {
+    const Change change = this->change();
+    told_ = change == Change::kTold;
+    if (change != Change::kNone || anyway || listing_.full.empty()) {
+        read();
+    }
+    return listing_;
 }
 
 std::optional<PanelFound> findPanel(std::string_view listing) {

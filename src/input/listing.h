@@ -29,20 +29,30 @@ struct DeviceListing {
 /// keyboard or a mouse count and can be left out: the first that does not fit and all behind it.
 DeviceListing takeListing(const std::string& text);
 
-/// Spares the reading of a listing that is what it was: the kernel tells by poll(2) on the file.
-/// Supervisor thread.
-class ListingWatch {
- public:
-    /// Whether the listing may have changed since the call before; true at the first, and for a
-    /// plain file always.
-    bool mayHaveChanged();
-
- private:
-    Descriptor file_{-1};
-};
-
 /// Reads /proc/bus/input/devices; a file that cannot be read counts as empty. Supervisor thread.
 DeviceListing loadDeviceListing();
+
+/// The listing as it stands, read again only when it may have changed: the kernel tells by poll(2)
+/// on the file, a plain file tells nothing and is read at each look. Supervisor thread.
+class CurrentListing {
+ public:
+    /// Looks for changes since the look before. `anyway` reads the listing without one: a device
+    /// that has just failed is still being taken off it, and a reader waits for that.
+    const DeviceListing& look(bool anyway);
+
+    /// The kernel told of a change at the last look. When the Handlers lines are the same all the
+    /// while, a device went and another one came in its place.
+    bool kernelToldAChange() const { return told_; }
+
+ private:
+    enum class Change : std::uint8_t { kNone, kTold, kUnknown };
+    Change change();
+    void read();
+
+    Descriptor file_{-1};
+    DeviceListing listing_;
+    bool told_ = false;
+};
 
 /// A touch panel recognised by the name that it gives itself, with all that is special about it.
 struct PanelRow {

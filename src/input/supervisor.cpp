@@ -24,14 +24,14 @@ Supervisor::Supervisor(InputSlices& slices)
 
 void Supervisor::clearActKeyEvent() { devices_.actKeyEvent.fill('\0'); }
 
-void Supervisor::poll(const DeviceListing& listing) {
+void Supervisor::poll(const DeviceListing& listing, bool changed) {
     if (listing.handlers.empty()) {
         handleNoDevices();
         return;
     }
     if (firstPass_) {
         firstStart(listing);
-    } else if (listing.handlers != previousHandlers_ || devices_.listenerAlive == 0) {
+    } else if (listing.handlers != previousHandlers_ || changed || devices_.listenerAlive == 0) {
         restart(listing);
     }
     idle_ = false;
@@ -90,14 +90,11 @@ void Supervisor::restart(const DeviceListing& listing) {
 
 void TimeCheckKeyEvent(InputSlices& slices) {
     Supervisor supervisor(slices);
-    ListingWatch watch;
-    DeviceListing listing;
+    CurrentListing listing;
     tellServiceManager("READY=1");
     for (;;) {
-        if (watch.mayHaveChanged() || listing.full.empty()) {
-            listing = loadDeviceListing();
-        }
-        supervisor.poll(listing);
+        const DeviceListing& now = listing.look(slices.devices.listenerAlive == 0);
+        supervisor.poll(now, listing.kernelToldAChange());
         if (allWorkComesBack()) {
             tellServiceManager("WATCHDOG=1");
         }

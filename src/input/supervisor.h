@@ -13,8 +13,10 @@ class Supervisor {
  public:
     explicit Supervisor(InputSlices& slices);
 
-    /// One look at the listing and what follows from it. Does not sleep.
-    void poll(const DeviceListing& listing);
+    /// One look at the listing and what follows from it. Does not sleep. `changed`: it is known to
+    /// have changed, whatever its Handlers lines say. A device that was replaced under the same
+    /// lines may be one that could not be opened, whose loss no listener has seen.
+    void poll(const DeviceListing& listing, bool changed);
 
  private:
     void handleNoDevices();

@@ -7,7 +7,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 cache=$1
 output=$2
 shift 2
-modules=(xhci-pci usbhid hid-generic evdev uinput joydev gpio_keys)
+modules=(xhci-pci usbhid hid-generic evdev uinput joydev gpio_keys dummy)
 
 version=$(cat "$cache/version")
 library=$cache/root/lib/modules/$version

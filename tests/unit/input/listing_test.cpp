@@ -178,21 +178,26 @@ TEST_F(Discovery, AFullConsoleFits) {
     EXPECT_EQ(printed.find("too long"), std::string::npos) << text.size();
 }
 
-/// The kernel's own listing tells its changes; nobody plugs anything here. A plain file tells none.
-TEST(ListingWatch, SparesTheReadingOnlyWhereTheKernelTells) {
+/// The kernel's own listing tells its changes; nobody plugs anything here. A plain file tells none
+/// and is read at each look.
+TEST(CurrentListing, SparesTheReadingOnlyWhereTheKernelTells) {
     if (!std::filesystem::exists("/proc/bus/input/devices")) {
         GTEST_SKIP() << "this kernel lists no devices";
     }
-    ListingWatch kernels;
-    EXPECT_TRUE(kernels.mayHaveChanged());
-    EXPECT_FALSE(kernels.mayHaveChanged());
+    CurrentListing kernels;
+    kernels.look(false);
+    EXPECT_TRUE(kernels.kernelToldAChange());
+    kernels.look(true);
+    EXPECT_FALSE(kernels.kernelToldAChange());
     const Root root;
-    ListingWatch files;
-    EXPECT_TRUE(files.mayHaveChanged()) << "none there";
+    CurrentListing files;
+    EXPECT_TRUE(files.look(false).full.empty()) << "none there";
     std::filesystem::create_directories(root.path("proc/bus/input"));
-    root.put("proc/bus/input/devices", "");
-    EXPECT_TRUE(files.mayHaveChanged());
-    EXPECT_TRUE(files.mayHaveChanged());
+    for (const char* const text : {"H: Handlers=kbd event0 ", "H: Handlers=kbd event1 "}) {
+        root.put("proc/bus/input/devices", text);
+        EXPECT_EQ(files.look(false).full, text);
+        EXPECT_FALSE(files.kernelToldAChange());
+    }
 }
 
 }  // namespace
