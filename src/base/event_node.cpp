@@ -39,6 +39,16 @@ InputRecord recordOf(const input_event& event) {
             static_cast<std::int32_t>(event.input_event_usec), event.type, event.code, event.value};
 }
 
+/// A call's result, once no signal interrupts it.
+template <class Call>
+int uninterrupted(Call call) {
+    int result = 0;
+    do {
+        result = call();
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
 template <class T>
 bool writeWhole(int fd, const T& object) {
     return write(fd, &object, sizeof(T)) == static_cast<ssize_t>(sizeof(T));
@@ -50,10 +60,15 @@ static_assert(sizeof(InputRecord) == kRecordSize, "a plain record has no padding
 
 EventNode openEventNode(const char* path) {
     EventNode node;
-    node.fd = open(prefixedPath(path).c_str(), O_RDWR | O_CLOEXEC);
+    node.fd =
+        uninterrupted([path] { return open(prefixedPath(path).c_str(), O_RDWR | O_CLOEXEC); });
+    if (node.fd < 0) {
+        node.error = errno;
+        return node;
+    }
     fcntl(node.fd, F_SETFL, O_RDWR | O_NONBLOCK);
     int version = 0;
-    if (node.fd >= 0 && ioctl(node.fd, EVIOCGVERSION, &version) == 0) {
+    if (uninterrupted([&] { return ioctl(node.fd, EVIOCGVERSION, &version); }) == 0) {
         node.layout = RecordLayout::kNative;
     }
     return node;

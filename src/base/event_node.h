@@ -30,6 +30,7 @@ enum class RecordLayout : std::uint8_t {
 struct EventNode {
     int fd = -1;  ///< -1 when the node did not open
     RecordLayout layout = RecordLayout::kPlain16;
+    int error = 0;  ///< the errno of an opening that failed
 };
 
 /// Opens the node at `path` (the path prefix applies) for reading and writing, close-on-exec,

@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 /// Opening and closing the nodes of the three lists.
 
@@ -20,12 +22,18 @@ NodePath pathOf(const InputDeviceList& list, std::size_t slot) {
     return path;
 }
 
+bool isGone(int error) { return error == ENOENT || error == ENODEV || error == ENXIO; }
+
 /// Opens the slot's node; what the slot still held open is closed first.
-void openSlot(InputDeviceList& list, std::size_t slot) {
+void openSlot(Devices& devices, InputDeviceList& list, std::size_t slot) {
     if (list.fds[slot] >= 0) {
         close(list.fds[slot]);
     }
     const EventNode node = openEventNode(pathOf(list, slot).data());
+    if (node.fd < 0 && !isGone(node.error)) {
+        std::printf("cannot open %s: %s\n", list.name(slot), std::strerror(node.error));
+        devices.nodeFailed = true;
+    }
     list.fds[slot] = node.fd;
     list.layouts[slot] = node.layout;
 }
@@ -62,7 +70,7 @@ int openInputFd(Devices& devices) {
     std::printf("mouseEvent-->%u keyevent-->%u touchevent-->%u\n", mouseDevices.count.load(),
                 keyDevices.count.load(), touchDevices.count.load());
     for (std::size_t i = 0; i < keyDevices.count; ++i) {
-        openSlot(keyDevices, i);
+        openSlot(devices, keyDevices, i);
         // The line goes by the mouse of the same slot, not by the keyboard just opened.
         if (mouseDevices.fds[i] >= 0) {
             std::printf("open  key input %s  ok\n", keyDevices.name(i));
@@ -71,7 +79,7 @@ int openInputFd(Devices& devices) {
         }
     }
     for (std::size_t i = 0; i < mouseDevices.count; ++i) {
-        openSlot(mouseDevices, i);
+        openSlot(devices, mouseDevices, i);
         if (mouseDevices.fds[i] >= 0) {
             std::printf("open  mouse input %s  ok\n", mouseDevices.name(i));
         } else {
@@ -80,7 +88,7 @@ int openInputFd(Devices& devices) {
     }
     for (std::size_t i = 0; i < touchDevices.count; ++i) {
         std::printf("keyeventfilename1: %s\n", pathOf(touchDevices, i).data());
-        openSlot(touchDevices, i);
+        openSlot(devices, touchDevices, i);
         if (touchDevices.fds[i] >= 0) {
             std::printf("open  touch input %s  ok\n", touchDevices.name(i));
             if (!devices.panel.touchNamed) {

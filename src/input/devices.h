@@ -32,7 +32,7 @@ struct InputDeviceList {
     std::array<RecordLayout, 16> layouts{};
     std::array<NodeQueue, kSlots> queues;  ///< what the nodes gave and nobody has served yet
 
-    EventNode node(std::size_t slot) const { return {fds[slot], layouts[slot]}; }
+    EventNode node(std::size_t slot) const { return {.fd = fds[slot], .layout = layouts[slot]}; }
     const char* name(std::size_t slot) const { return names[slot].data(); }
 };
 
@@ -60,6 +60,7 @@ struct Devices {
     Flag listenerAlive{0};  ///< 1 while the listener runs, 0 once it failed; any thread
     fd_set readSet;
     std::size_t droppedRecords = 0;  ///< unserved ones of nodes that were closed; supervisor only
+    bool nodeFailed = false;  ///< one that is there was not opened or probed; supervisor only
 };
 
 /// Opens every listed node, with its lines; a slot whose node does not open gets -1. Returns 1.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <vector>
@@ -32,9 +33,10 @@ bool usable(std::int32_t fd) { return fd >= 0 && fd < FD_SETSIZE; }
 struct Probe {
     const InputDeviceList& list;
     fd_set& readSet;
-    Clock::time_point end;  ///< of the whole probe
+    Clock::time_point end{};  ///< of the whole probe
     std::array<bool, InputDeviceList::kSlots> answered{};
     std::array<bool, InputDeviceList::kSlots> left{};  ///< no longer listened to
+    bool failed = false;                               ///< a read did, or the waiting itself
     std::array<Clock::time_point, InputDeviceList::kSlots> waitEnds{};
 };
 
@@ -73,6 +75,7 @@ void readAnswer(Probe& probe, std::size_t slot) {
     const NodeRead got = readRecords(probe.list.node(slot), {&record, 1});
     probe.answered[slot] = probe.answered[slot] || got.count == 1;
     probe.left[slot] = got.failure.has_value();
+    probe.failed |= got.failure.has_value();
     probe.waitEnds[slot] = Clock::now() + kEcho;
 }
 
@@ -104,13 +107,18 @@ void collectEchoes(Probe& probe) {
             return;
         }
         timeval wait = longestWait(probe, asked);
-        int ready = 0;
+        int ready = 0, error = 0;
         {
             const CancelWindow window;
             ready = select(highest, &probe.readSet, nullptr, nullptr, &wait);
+            error = errno;
+        }
+        if (ready < 0 && error != EINTR) {
+            probe.failed = true;
+            return;
         }
         if (ready < 0) {
-            return;
+            continue;
         }
         readReady(probe, asked);
     }
@@ -131,13 +139,14 @@ void writeKey(const EventNode& node) {
 /// Probes every node of a list with `writeEvents`; `printLine` gets the name of each. Returns the
 /// names of those that answered.
 template <class WriteEvents, class PrintLine>
-std::vector<DeviceName> answering(fd_set& readSet, const InputDeviceList& list,
+std::vector<DeviceName> answering(Devices& devices, const InputDeviceList& list,
                                   WriteEvents writeEvents, PrintLine printLine) {
     for (std::size_t i = 0; i < list.count; ++i) {
         writeEvents(list.node(i));
     }
-    Probe probe{list, readSet, {}, {}, {}, {}};
+    Probe probe{.list = list, .readSet = devices.readSet};
     collectEchoes(probe);
+    devices.nodeFailed |= probe.failed;
     std::vector<DeviceName> real;
     for (std::size_t i = 0; i < list.count; ++i) {
         if (probe.answered[i]) {
@@ -163,14 +172,14 @@ void keep(InputDeviceList& list, const std::vector<DeviceName>& real, PrintLine 
 int check_input_event(Devices& devices, Lights& lights) {
     InputDeviceList& mouseDevices = devices.mouseDevices;
     InputDeviceList& keyDevices = devices.keyDevices;
-    const auto mice = answering(devices.readSet, mouseDevices, writeMotion, [](const char* name) {
+    const auto mice = answering(devices, mouseDevices, writeMotion, [](const char* name) {
         std::printf("check mouse %s false\n", name);
     });
     closeInputFd(devices, lights, true, false, false);
     keep(mouseDevices, mice, [&mouseDevices](std::size_t i) {
         std::printf("get real mouse event:%s\n", mouseDevices.name(i));
     });
-    const auto keyboards = answering(devices.readSet, keyDevices, writeKey, [](const char* name) {
+    const auto keyboards = answering(devices, keyDevices, writeKey, [](const char* name) {
         std::printf("checkt mouse %s false\n", name);
     });
     closeInputFd(devices, lights, false, true, false);

@@ -29,12 +29,27 @@ void Supervisor::poll(const DeviceListing& listing, bool changed) {
         handleNoDevices();
         return;
     }
+    const bool isNew = changed || listing.handlers != previousHandlers_;
+    if (isNew) {
+        retryAfter_ = 1;
+    }
     if (firstPass_) {
         firstStart(listing);
-    } else if (listing.handlers != previousHandlers_ || changed || devices_.listenerAlive == 0) {
+    } else if (isNew || devices_.listenerAlive == 0 || retryIsDue()) {
         restart(listing);
     }
     idle_ = false;
+}
+
+/// A node that is there and failed is tried again after 1, 2, 4, 8 and 16 passes, and then not
+/// before the listing changes: a try costs the other devices a restart.
+bool Supervisor::retryIsDue() {
+    constexpr int kLongest = 16;
+    if (!devices_.nodeFailed || retryAfter_ > kLongest || ++passes_ < retryAfter_) {
+        return false;
+    }
+    retryAfter_ *= 2;
+    return true;
 }
 
 void Supervisor::handleNoDevices() {
@@ -72,6 +87,8 @@ void Supervisor::firstStart(const DeviceListing& listing) {
 /// and before the new one's duty is set, which it would take for its own.
 void Supervisor::restart(const DeviceListing& listing) {
     std::printf("------------hot event \n %s----------\n", listing.handlers.c_str());
+    devices_.nodeFailed = false;
+    passes_ = 0;
     clearActKeyEvent();
     config_->SetConfigChar(kActKeyEventIndex, devices_.actKeyEvent.data());
     config_->SaveConfig();

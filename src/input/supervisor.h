@@ -23,12 +23,15 @@ class Supervisor {
     void firstStart(const DeviceListing& listing);
     void restart(const DeviceListing& listing);
     void closeDevices();
+    bool retryIsDue();
     void clearActKeyEvent();
 
     InputSlices& slices_;
     Devices& devices_;
     std::shared_ptr<SoftwareConfig> config_;
     std::string previousHandlers_;
+    int retryAfter_ = 1;        ///< passes from a failure to the next try; twice as many each time
+    int passes_ = 0;            ///< since the last try
     bool firstPass_ = true;     ///< until the first non-empty listing is handled
     bool idle_ = true;          ///< no input thread is believed to run
     bool touchByName_ = false;  ///< a touch panel was recognised by name

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <set>
 #include <thread>
 
@@ -41,16 +42,37 @@ class Timing : public Console {
         unsetenv("HELD_CALLS");
     }
 
-    /// The next such call takes `milliseconds` longer.
-    void hold(const std::string& what, int milliseconds) {
-        board().write("held.next", what + " " + std::to_string(milliseconds));
+    /// The next such call takes `number` milliseconds longer, or `times` of them fail with that
+    /// errno.
+    void hold(const std::string& what, int number, int times = 0) {
+        board().write("held.next",
+                      what + " " + std::to_string(number) + " " + std::to_string(times));
         std::filesystem::rename(board().root() / "held.next", board().root() / "held");
     }
     void awaitHeld() {
         for (int tries = 0; std::filesystem::exists(board().root() / "held"); ++tries) {
-            ASSERT_LT(tries, 300) << "the call never came";
+            ASSERT_LT(tries, 600) << "the call never came";
             std::this_thread::sleep_for(Milliseconds{10});
         }
+    }
+
+    /// Presses a key and moves the mouse again and again, for a restart may be under way, until
+    /// both reach a box.
+    bool serves() {
+        const auto end = Clock::now() + Milliseconds{8000};
+        bool key = false, pointer = false;
+        while (Clock::now() < end && !(key && pointer)) {
+            world().clear();
+            board().key(kKeyboard, KEY_B, true);
+            board().key(kKeyboard, KEY_B, false);
+            board().move(kMouse, 1, 1);
+            std::this_thread::sleep_for(Milliseconds{100});
+            for (const std::string& report : world().leftovers()) {
+                key = key || report.ends_with("key down B");
+                pointer = pointer || report.find("pointer ") != report.npos;
+            }
+        }
+        return key && pointer;
     }
 
     /// The signal that ended the process within `limit`; 0 when none did.
@@ -75,6 +97,17 @@ struct Busy {
 
     friend void PrintTo(const Busy& busy, std::ostream* out) { *out << busy.name; }
 };
+
+/// Calls that fail, each with these errors in turn; see preload/held_calls.cpp.
+struct Failing {
+    const char* call;
+    std::vector<int> errors;
+    int times = 5;
+
+    friend void PrintTo(const Failing& failing, std::ostream* out) { *out << failing.call; }
+};
+
+class FailingCall : public Timing, public testing::WithParamInterface<Failing> {};
 
 class TheEnd : public Timing, public testing::WithParamInterface<Busy> {};
 
@@ -102,6 +135,42 @@ TEST_F(Timing, AKeyOnItsWayIsLetGoOfBehindTheHandoverAndAtTheEnd) {
             << taker << ": " << ::testing::PrintToString(texts);
     }
 }
+
+/// A call fails some times, with whatever the console is busy: no flood of lines, no end, and
+/// afterwards it serves as before.
+TEST_P(FailingCall, NeitherEndsNorSilencesTheConsole) {
+    constexpr const char* kCells[] = {"details&127.0.0.20#0,0,127.0.0.31-8000",
+                                      "details&127.0.0.20#0,0,127.0.0.31-8000#1,0,127.0.0.32-8000",
+                                      "details&127.0.0.20#0,0,127.0.0.31-8000#0,1,127.0.0.32-8000"};
+    start();
+    std::size_t round = 0;
+    for (const int error : GetParam().errors) {
+        SCOPED_TRACE(std::strerror(error));
+        const std::size_t lines = daemon().lines().size();
+        hold(GetParam().call, error, GetParam().times);
+        send(kCells[round % std::size(kCells)]);
+        round++ % 2 == 0 ? board().plugMouse(5) : board().unplug(5);
+        for (int i = 0; i < 5; ++i) {
+            board().key(kKeyboard, KEY_X, i % 2 == 0);
+            board().move(kMouse, 5, 5);
+            std::this_thread::sleep_for(Milliseconds{20});
+        }
+        awaitHeld();
+        EXPECT_TRUE(serves());
+        EXPECT_TRUE(daemon().running());
+        EXPECT_LT(daemon().lines().size() - lines, 1500U);
+    }
+}
+INSTANTIATE_TEST_SUITE_P(
+    Each, FailingCall,
+    testing::Values(Failing{"sendto", {ENOBUFS, ENETUNREACH, EPERM, EINTR}},
+                    Failing{"recvfrom", {ENOMEM, EINTR, ECONNREFUSED}},
+                    Failing{"poll", {EINTR, ENOMEM}}, Failing{"select", {EINTR, ENOMEM}},
+                    Failing{"open", {EMFILE, EINTR}}, Failing{"read", {EINTR, EIO}},
+                    Failing{"node", {EMFILE, EACCES}}, Failing{"probe", {EIO}, 1},
+                    Failing{"ioctl", {EINTR, ENODEV}}, Failing{"fsync", {EIO}},
+                    Failing{"rename", {EROFS}}, Failing{"thread", {EAGAIN}}),
+    [](const auto& row) { return std::string(row.param.call); });
 
 TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
     start();
