@@ -9,6 +9,7 @@
 #include "base/work_bound.h"
 #include "input/discovery.h"
 #include "input/input_thread.h"
+#include "remote/box_in_control.h"
 #include "remote/handover.h"
 
 namespace {
@@ -112,6 +113,7 @@ void TimeCheckKeyEvent(InputSlices& slices) {
     for (;;) {
         const DeviceListing& now = listing.look(slices.devices.listenerAlive == 0);
         supervisor.poll(now, listing.kernelToldAChange());
+        sendWhatIsOwed();
         if (allWorkComesBack()) {
             tellServiceManager("WATCHDOG=1");
         }

@@ -38,15 +38,32 @@ Message overtaken(const Controlled& now, const Noted& sent) {
     return releases;
 }
 
+/// A release that could not leave is owed to its box.
 template <class Datagrams>
 void sendAll(const Datagrams& datagrams) {
     for (const Datagram& datagram : datagrams) {
-        sendToBox(datagram);
+        if (!sendToBox(datagram)) {
+            controlled().with([&datagram](Controlled& now) { now.told.owe(datagram); });
+        }
     }
 }
 
 void endSending() {
     controlled().with([](Controlled& now) { --now.sending; });
+}
+
+/// Sends the releases that `take` takes under the guard.
+template <class Take>
+void takeAndSend(Take take) {
+    const std::vector<Datagram> releases = controlled().with([&take](Controlled& now) {
+        std::vector<Datagram> taken = take(now);
+        now.sending += taken.empty() ? 0 : 1;
+        return taken;
+    });
+    if (!releases.empty()) {
+        sendAll(releases);
+        endSending();
+    }
 }
 
 /// The last look of a sender. What was overtaken is let go of before the sender counts as done.
@@ -106,13 +123,9 @@ bool nobodyIsSending() {
 }
 
 void changeBoxInControl(Change change) {
-    const std::vector<Datagram> releases = controlled().with([&](Controlled& now) {
-        std::vector<Datagram> taken = change(now.box, now.told);
-        now.sending += taken.empty() ? 0 : 1;
-        return taken;
-    });
-    if (!releases.empty()) {
-        sendAll(releases);
-        endSending();
-    }
+    takeAndSend([&change](Controlled& now) { return change(now.box, now.told); });
+}
+
+void sendWhatIsOwed() {
+    takeAndSend([](Controlled& now) { return now.told.takeOwed(); });
 }

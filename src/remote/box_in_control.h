@@ -89,3 +89,7 @@ using Compose = FunctionRef<Message(const BoxInControl&)>;
 /// guard: it neither waits, prints nor calls out. Nothing is sent to "0.0.0.0" or an empty address.
 /// Any thread.
 BoxInControl tellBox(Compose compose);
+
+/// Sends the releases again that could not leave (no buffer, no route), unless their box was told
+/// something new since. Any thread; the supervisor once a second.
+void sendWhatIsOwed();

@@ -5,24 +5,19 @@
 
 namespace {
 
-void sendThrough(UDPSocket* socket, const AddressText& ip, int port,
+/// False when it could not leave.
+bool sendThrough(UDPSocket* socket, const AddressText& ip, int port,
                  std::span<const std::uint8_t> bytes) {
-    if (socket != nullptr) {
-        socket->SendTo(ip.c_str(), static_cast<unsigned>(port), bytes.data(),
-                       static_cast<long>(bytes.size()));
-    }
+    return socket == nullptr || socket->SendTo(ip.c_str(), static_cast<unsigned>(port),
+                                               bytes.data(), static_cast<long>(bytes.size())) >= 0;
 }
 
 }  // namespace
 
-void sendToBox(const Datagram& datagram) {
-    if (!datagram.ip.isNone()) {
-        sendUnchecked(datagram);
-    }
-}
+bool sendToBox(const Datagram& datagram) { return datagram.ip.isNone() || sendUnchecked(datagram); }
 
-void sendUnchecked(const Datagram& datagram) {
-    sendThrough(InputSocket, datagram.ip, datagram.port, datagram.content());
+bool sendUnchecked(const Datagram& datagram) {
+    return sendThrough(InputSocket, datagram.ip, datagram.port, datagram.content());
 }
 
 void sendToOsd(const AddressText& ip, int port, std::span<const std::uint8_t> bytes) {

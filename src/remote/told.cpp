@@ -1,12 +1,14 @@
 #include "remote/told.h"
 
 #include <algorithm>
+#include <utility>
 
 Told::Ticket Told::note(const Datagram& sent) {
     const wire::FormRow* form = wire::formOf(sent.content());
     if (form == nullptr) {
         return 0;
     }
+    forgetOwed(sent);
     Memory& memory = forms_[form->index];
     if (wire::isDown(*form, sent.content())) {
         memory.down = sent;
@@ -16,6 +18,31 @@ Told::Ticket Told::note(const Datagram& sent) {
     }
     return memory.letGo;
 }
+
+void Told::forgetOwed(const Datagram& sent) {
+    std::erase_if(owed_, [&sent](const Datagram& owed) {
+        return owed.goesWhere(sent) && wire::formOf(owed.content()) == wire::formOf(sent.content());
+    });
+}
+
+void Told::owe(const Datagram& release) {
+    constexpr std::size_t kMostOwed = 64;
+    const wire::FormRow* form = wire::formOf(release.content());
+    if (form == nullptr || wire::isDown(*form, release.content())) {
+        return;
+    }
+    const auto& down = forms_[form->index].down;
+    if (down && down->goesWhere(release)) {
+        return;
+    }
+    forgetOwed(release);
+    if (owed_.size() == kMostOwed) {
+        owed_.erase(owed_.begin());
+    }
+    owed_.push_back(release);
+}
+
+std::vector<Datagram> Told::takeOwed() { return std::exchange(owed_, {}); }
 
 bool Told::wasOvertaken(const Datagram& sent, Ticket ticket) const {
     const wire::FormRow* form = wire::formOf(sent.content());

@@ -31,15 +31,23 @@ class Told {
     /// The same of the pointer's forms alone: the box will take another form from now on.
     std::vector<Datagram> takeButtonReleases();
 
+    /// Remembers a release that could not leave: the box still believes that something is down. One
+    /// for a place that was told of something new since, and what is no release, changes nothing.
+    void owe(const Datagram& release);
+    /// Takes out what is owed, oldest first.
+    std::vector<Datagram> takeOwed();
+
  private:
     template <class Takes>
     std::vector<Datagram> take(Takes takes);
+    void forgetOwed(const Datagram& sent);
 
     struct Memory {
         std::optional<Datagram> down;
         Ticket letGo = 0;
     };
     std::array<Memory, wire::kForms> forms_;
+    std::vector<Datagram> owed_;  ///< one a place and form
 };
 
 /// The datagram that lets go of what `sent` pressed: buttons and keys up, the pointer where it was.

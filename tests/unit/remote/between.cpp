@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include <cerrno>
 #include <cstdint>
 
 // The linker leads the calls of these functions here (--wrap).
@@ -16,6 +17,10 @@ ssize_t __wrap_sendto(int fd, const void* bytes, std::size_t size, int flags, co
                       socklen_t length) {
     if (beforeSend) {
         beforeSend(fd, {static_cast<const char*>(bytes), size});
+    }
+    if (sendError != 0) {
+        errno = sendError;
+        return -1;
     }
     return __real_sendto(fd, bytes, size, flags, to, length);
 }

@@ -10,6 +10,9 @@
 /// Called with the socket and the bytes of every datagram before it leaves.
 inline std::function<void(int fd, std::string_view bytes)> beforeSend;
 
+/// As long as it is not 0, no datagram leaves: sendto fails with this errno.
+inline int sendError = 0;
+
 /// What a keyboard tells of its lights; below 0: the kernel answers.
 inline int lightsOfKeyboard = -1;
 

@@ -1,5 +1,6 @@
 #include "remote/handover.h"
 
+#include <cerrno>
 #include <chrono>
 #include <future>
 #include <thread>
@@ -117,6 +118,31 @@ TEST_F(Handover, WhoeverTakesControlLetsGoOnceInTheOldBoxesForm) {
             stopControl();
             EXPECT_EQ(box.all(), "") << "once";
             EXPECT_EQ(newBox.all(), "");
+        }
+    }
+}
+
+TEST_F(Handover, AReleaseThatCannotLeaveIsSentAgainUnlessItsBoxWasToldAnew) {
+    for (const bool toldAnew : {false, true}) {
+        for (const Form& form : kForms) {
+            SCOPED_TRACE(std::string(form.name) + (toldAnew ? ", told anew" : ""));
+            begin(form.user, form.relative);
+            const Receiver& box = form.user ? userBox : oldBox;
+            press(form.pressed);
+            EXPECT_NE(box.all(), "");
+            sendError = ENOBUFS;
+            printedBy([] { stopControl(), sendWhatIsOwed(); });
+            sendError = 0;
+            EXPECT_EQ(box.all(), "");
+            if (toldAnew) {
+                begin(form.user, form.relative);
+                press(form.pressed);
+                EXPECT_NE(box.all(), "");
+            }
+            sendWhatIsOwed();
+            EXPECT_EQ(box.all(), toldAnew ? "" : form.release);
+            sendWhatIsOwed();
+            EXPECT_EQ(box.all(), "");
         }
     }
 }
