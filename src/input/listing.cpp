@@ -99,10 +99,11 @@ CurrentListing::Change CurrentListing::change() {
         return Change::kUnknown;
     }
     pollfd changes{file_, POLLIN | POLLOUT, 0};
-    if (poll(&changes, 1, 0) == 0) {
+    const int ready = poll(&changes, 1, 0);
+    if (ready == 0) {
         return Change::kNone;
     }
-    return (changes.revents & POLLOUT) == 0 ? Change::kTold : Change::kUnknown;
+    return ready > 0 && (changes.revents & POLLOUT) == 0 ? Change::kTold : Change::kUnknown;
 }
 
 /// A change that is told while it reads belongs to what is read, not to the next look.
