@@ -32,7 +32,7 @@ void openSlot(Devices& devices, InputDeviceList& list, std::size_t slot) {
     const EventNode node = openEventNode(pathOf(list, slot).data());
     if (node.fd < 0 && !isGone(node.error)) {
         std::printf("cannot open %s: %s\n", list.name(slot), std::strerror(node.error));
-        devices.nodeFailed = true;
+        devices.nodeFailed = 1;
     }
     list.fds[slot] = node.fd;
     list.layouts[slot] = node.layout;

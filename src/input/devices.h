@@ -60,7 +60,7 @@ struct Devices {
     Flag listenerAlive{0};  ///< 1 while the listener runs, 0 once it failed; any thread
     fd_set readSet;
     std::size_t droppedRecords = 0;  ///< unserved ones of nodes that were closed; supervisor only
-    bool nodeFailed = false;  ///< one that is there was not opened or probed; supervisor only
+    Flag nodeFailed{0};  ///< 1 when one that is there could not be opened or probed; any thread
 };
 
 /// Opens every listed node, with its lines; a slot whose node does not open gets -1. Returns 1.

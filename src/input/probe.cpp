@@ -146,7 +146,9 @@ std::vector<DeviceName> answering(Devices& devices, const InputDeviceList& list,
     }
     Probe probe{.list = list, .readSet = devices.readSet};
     collectEchoes(probe);
-    devices.nodeFailed |= probe.failed;
+    if (probe.failed) {
+        devices.nodeFailed = 1;
+    }
     std::vector<DeviceName> real;
     for (std::size_t i = 0; i < list.count; ++i) {
         if (probe.answered[i]) {

@@ -46,7 +46,7 @@ void Supervisor::poll(const DeviceListing& listing, bool changed) {
 /// before the listing changes: a try costs the other devices a restart.
 bool Supervisor::retryIsDue() {
     constexpr int kLongest = 16;
-    if (!devices_.nodeFailed || retryAfter_ > kLongest || ++passes_ < retryAfter_) {
+    if (devices_.nodeFailed == 0 || retryAfter_ > kLongest || ++passes_ < retryAfter_) {
         return false;
     }
     retryAfter_ *= 2;
@@ -88,12 +88,12 @@ void Supervisor::firstStart(const DeviceListing& listing) {
 /// and before the new one's duty is set, which it would take for its own.
 void Supervisor::restart(const DeviceListing& listing) {
     std::printf("------------hot event \n %s----------\n", listing.handlers.c_str());
-    devices_.nodeFailed = false;
     passes_ = 0;
     clearActKeyEvent();
     config_->SetConfigChar(kActKeyEventIndex, devices_.actKeyEvent.data());
     config_->SaveConfig();
     stopInputThread();
+    devices_.nodeFailed = 0;
     letGoOfEverything();
     slices_.console.duties.hotPlugFlag = 1;
     slices_.console.lights.ledKeyFd.set(-1);
