@@ -11,13 +11,13 @@ install_missing
 
 kind=${1:-long}
 failed=0
-# try WHAT COMMAND...: one line of what it prints last, and the time.
+# try WHAT COMMAND...: a line with the time and the last of what it prints (a daemon's farewell apart).
 try() {
     local what=$1 started=$SECONDS log
     shift
     log=$(mktemp)
     if "$@" >"$log" 2>&1; then
-        echo "  ok    $what ($((SECONDS - started)) s): $(tail -n 1 "$log")"
+        echo "  ok    $what ($((SECONDS - started)) s): $(grep -v Normal "$log" | tail -n 1)"
     else
         cat "$log"
         echo "  FAIL  $what: $*"
