@@ -5,14 +5,6 @@
 #include <cstdio>
 #include <fstream>
 
-double percentile(std::vector<double> values, double share) {
-    if (values.empty()) {
-        return 0;
-    }
-    std::sort(values.begin(), values.end());
-    return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1))];
-}
-
 double median(std::vector<double> values) { return percentile(std::move(values), 0.5); }
 
 void Table::add(std::string_view name, std::string_view unit, double console, double plain,

@@ -4,10 +4,11 @@
 #include <string_view>
 #include <vector>
 
+#include "rig/tool.h"
+
 /// The table of a run: one row a figure, a column each for the console and the two bare loops.
 
-/// The value below which `share` (0 to 1) of the values lie; 0 when there is none.
-double percentile(std::vector<double> values, double share);
+using rig::percentile;
 double median(std::vector<double> values);
 
 class Table {

@@ -1,12 +1,11 @@
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
-#include <exception>
 #include <filesystem>
 #include <string>
 #include <utility>
 
 #include "rig/isolation.h"
+#include "rig/tool.h"
 #include "rows.h"
 
 namespace {
@@ -46,12 +45,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& problem) {
-        std::fprintf(stderr, "tavrik-bench: %s\n", problem.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return rig::runTool("tavrik-bench", run, argc, argv); }

@@ -36,7 +36,7 @@ class Console : public ::testing::Test {
     void expectLine(std::string_view text);
 
     /// Sends a command to the daemon.
-    void send(std::string_view command) { world().control().send({"127.0.0.1", 41236}, command); }
+    void send(std::string_view command) { world().command(command); }
 
     void TearDown() override;
 

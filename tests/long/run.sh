@@ -1,8 +1,7 @@
 #!/bin/bash
-# run.sh: what is tried for longer than a test may take, in under 40 minutes: the laws, every reader against the
-# fuzzer, a person at a console who does anything at all, the storm under the thread sanitizer, a whole site, and
-# the target.
-# run.sh --short: six minutes of it. run.sh --soak HOURS: one console at human speed for so long.
+# run.sh: what is tried for longer than a test may take, in half an hour: the laws, a person at a console who does
+# anything at all, the storm under the thread sanitizer, a whole site, a soak.
+# run.sh --short: some minutes of it. run.sh --soak HOURS: one console at human speed for so long.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 # shellcheck source=tools/rig/build.sh

@@ -4,15 +4,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
-#include <exception>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "life/person.h"
 #include "rig/isolation.h"
+#include "rig/tool.h"
 
 namespace {
 
@@ -72,9 +71,8 @@ std::vector<double> keysInAStorm(rig::World& world, Judge& judge) {
     std::vector<double> late;
     int at = 0;
     const Often mouse(kMouseHertz, [&] { shake(world, at); });
-    const Often orders(kOrdersPerSecond, [&world] {
-        world.control().send({"127.0.0.1", 41236}, "[seq]\n[control]=127.0.0.20\nusb\nend");
-    });
+    const Often orders(kOrdersPerSecond,
+                       [&world] { world.command("[seq]\n[control]=127.0.0.20\nusb\nend"); });
     for (int i = 0; i < 250; ++i) {
         judge.forgetPresses();
         const auto before = Clock::now();
@@ -101,7 +99,7 @@ void storm(rig::World& world, Person& person, unsigned seed) {
     std::mt19937 random(seed);
     const Often mouse(kMouseHertz, [&] { shake(world, at); });
     const Often orders(kOrdersPerSecond, [&world, &random, &kOrders] {
-        world.control().send({"127.0.0.1", 41236}, kOrders[random() % std::size(kOrders)]);
+        world.command(kOrders[random() % std::size(kOrders)]);
     });
     for (int second = 0; second < 15; ++second) {
         person.plug();
@@ -128,7 +126,7 @@ struct Lived {
 };
 
 /// Tells it; true when the daemon holds no more than it did, and keys were on time.
-bool tell(Lived& lived, const rig::World& world, const Holdings& last, const Person& person,
+bool tell(const Lived& lived, const rig::World& world, const Holdings& last, const Person& person,
           const Judge& judge) {
     std::printf("%d rounds, %llu things done, %llu reports; nothing stayed down, nothing was lost",
                 lived.rounds, static_cast<unsigned long long>(person.acts()),
@@ -142,11 +140,10 @@ bool tell(Lived& lived, const rig::World& world, const Holdings& last, const Per
                (kSanitized || last.memory <= first.memory + 512);
     }
     if (!lived.late.empty()) {
-        std::ranges::sort(lived.late);
-        const std::size_t count = lived.late.size();
-        const double p99 = lived.late[count * 99 / 100];
-        std::printf("; %zu keys in the storm: median %.2f ms, p99 %.2f ms, latest %.2f ms", count,
-                    lived.late[count / 2], p99, lived.late.back());
+        const double p99 = rig::percentile(lived.late, 0.99);
+        std::printf("; %zu keys in the storm: median %.2f ms, p99 %.2f ms, latest %.2f ms",
+                    lived.late.size(), rig::percentile(lived.late, 0.5), p99,
+                    rig::percentile(lived.late, 1));
         well = well && p99 < 5;
     }
     std::puts("");
@@ -216,13 +213,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& problem) {
-        std::printf("tavrik-life: %s\n", problem.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return rig::runTool("tavrik-life", run, argc, argv); }

@@ -97,7 +97,7 @@ void Person::rest() {
 
 void Person::order(const std::string& text) {
     did(text);
-    world_.control().send({"127.0.0.1", 41236}, text);
+    world_.command(text);
 }
 
 /// A node that nobody has open takes nothing, and then nothing is held.
@@ -285,7 +285,7 @@ void Person::fail() {
             for (int i = 0; i < 50; ++i) {
                 const std::string junk(static_cast<std::size_t>(upTo(1400)),
                                        static_cast<char>(upTo(256)));
-                world_.control().send({"127.0.0.1", 41236}, junk);
+                world_.command(junk);
                 world_.control().send({"127.0.0.1", 19358}, junk);
             }
             return;
@@ -315,14 +315,10 @@ void Person::act() {
 /// The listener may just be restarting, so a key is pressed again and again until one arrives.
 std::string Person::waitUntilServed() {
     const std::string mark = "mark" + std::to_string(++marks_);
+    if (!world_.worksOff(mark, kPatience)) {
+        return "the command channel does not answer\n";
+    }
     const auto end = Clock::now() + kPatience;
-    do {
-        if (Clock::now() > end) {
-            return "the command channel does not answer\n";
-        }
-        world_.control().send({"127.0.0.1", 41236}, mark);
-    } while (
-        !world_.daemon().waitUntilPrinted("recv error osd command:" + mark, Milliseconds(300)));
     for (;;) {
         judge_.forgetPresses();
         world_.board.key(kKeyboard, kProbe, true);

@@ -10,10 +10,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <latch>
 #include <memory>
 #include <random>
@@ -22,9 +20,9 @@
 #include <vector>
 
 #include "life/judge.h"
-#include "rig/board.h"
-#include "rig/daemon.h"
 #include "rig/isolation.h"
+#include "rig/tool.h"
+#include "rig/world.h"
 
 namespace {
 
@@ -35,6 +33,7 @@ using life::Milliseconds;
 constexpr int kScreens = 25, kColumns = 4, kRows = 4;
 constexpr int kBoxes = kScreens * kColumns * kRows;
 constexpr Milliseconds kPatience{30000};
+constexpr const char* kBridge = "10.9.0.254";
 
 /// A console's own address, which is that of its screen.
 std::string screenAddress(int screen) { return "10.9.0." + std::to_string(101 + screen); }
@@ -68,14 +67,6 @@ void mustRun(const std::string& command) {
     }
 }
 
-sockaddr_in socketAddress(const std::string& ip, std::uint16_t port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = inet_addr(ip.c_str());
-    return address;
-}
-
 /// All boxes, each with a socket of its own, served by one thread. They answer every query.
 class Boxes {
  public:
@@ -83,7 +74,7 @@ class Boxes {
         for (int box = 0; box < kBoxes; ++box) {
             const std::string ip = boxAddress(box / (kColumns * kRows), box % (kColumns * kRows));
             const int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-            const sockaddr_in address = socketAddress(ip, wire::kQueryPort);
+            const sockaddr_in address = rig::socketAddress({ip, wire::kQueryPort});
             if (bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
                 throw std::runtime_error("no box can be at " + ip);
             }
@@ -105,7 +96,7 @@ class Boxes {
     }
 
     bool receive(std::size_t box) {
-        constexpr std::string_view kAnswer = "vi_w=1920&vi_h=1080&kvm=abs";
+        constexpr std::string_view kAnswer = rig::kUsualAnswer;
         std::array<std::uint8_t, 256> bytes{};
         sockaddr_in from{};
         socklen_t size = sizeof from;
@@ -134,8 +125,9 @@ class Boxes {
 /// The bridge that joins the consoles, in this process's network; the boxes' addresses are there.
 void makeBridge() {
     mustRun(
-        "ip link add br0 address 02:00:00:00:00:01 type bridge mcast_snooping 0 && ip addr add 10.9.0.254/17 dev br0 && "
-        "ip link set br0 up && ip route add local 10.9.128.0/17 dev lo");
+        "ip link add br0 address 02:00:00:00:00:01 type bridge mcast_snooping 0 && ip addr add " +
+        std::string(kBridge) +
+        "/17 dev br0 && ip link set br0 up && ip route add local 10.9.128.0/17 dev lo");
 }
 
 /// A daemon in a network of its own, and somebody who types and moves there. Its thread lives as
@@ -239,39 +231,12 @@ class Seat {
 };
 
 /// Everybody hears it.
-class Management {
- public:
-    Management() : fd_(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        const in_addr bridge{inet_addr("10.9.0.254")};
-        setsockopt(fd_, IPPROTO_IP, IP_MULTICAST_IF, &bridge, sizeof bridge);
+void arrangeAll(const rig::Box& management, int inARow) {
+    const rig::Endpoint group{"224.168.1.1", 41236};
+    management.send(group, relation(inARow));
+    for (int screen = 0; screen < kScreens; ++screen) {
+        management.send(group, "details&" + cells(screen));
     }
-    ~Management() { close(fd_); }
-    Management(const Management&) = delete;
-    Management& operator=(const Management&) = delete;
-
-    void arrange(int inARow) const {
-        send(relation(inARow));
-        for (int screen = 0; screen < kScreens; ++screen) {
-            send("details&" + cells(screen));
-        }
-    }
-
- private:
-    void send(const std::string& text) const {
-        const sockaddr_in group = socketAddress("224.168.1.1", 41236);
-        sendto(fd_, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&group),
-               sizeof group);
-    }
-    int fd_;
-};
-
-double at(std::vector<double> values, double share) {
-    if (values.empty()) {
-        return 0;
-    }
-    std::ranges::sort(values);
-    return values[std::min(values.size() - 1,
-                           static_cast<std::size_t>(share * static_cast<double>(values.size())))];
 }
 
 struct Figures {
@@ -376,7 +341,7 @@ class Site {
         const std::string last = "osdGetIp:" + screenAddress(kScreens - 1);
         const auto start = Clock::now();
         inARow_ = inARow_ == kScreens ? 5 : kScreens;  // a "relation" that repeats itself is none
-        management_.arrange(inARow_);
+        arrangeAll(management_, inARow_);
         for (const auto& seat : seats_) {
             if (!seat->waitFor(last, kPatience)) {
                 throw std::runtime_error(seat->name() + " does not follow");
@@ -413,14 +378,15 @@ class Site {
             "p99 %.2f ms; processor %.2f %% each (most %.2f), memory %ld KiB; followed within "
             "%.0f ms (longest %.0f)\n%s",
             seats_.size(), time, static_cast<double>(reports) / time, figures.typed, figures.lost,
-            figures.doubled, figures.nowhere, at(figures.late, 0.5), at(figures.late, 0.99),
-            at(cpu, 0.5), at(cpu, 1), memory, at(follow, 0.5), at(follow, 1), down.c_str());
+            figures.doubled, figures.nowhere, rig::percentile(figures.late, 0.5),
+            rig::percentile(figures.late, 0.99), rig::percentile(cpu, 0.5), rig::percentile(cpu, 1),
+            memory, rig::percentile(follow, 0.5), rig::percentile(follow, 1), down.c_str());
         return figures.lost + figures.doubled == 0 && down.empty() && figures.typed > 0;
     }
 
     Judge judge_;
     Boxes boxes_;
-    Management management_;
+    const rig::Box management_{{{kBridge, 0}}};
     std::atomic<bool> busy_{false};
     std::vector<std::unique_ptr<Seat>> seats_;
     int inARow_ = kScreens;
@@ -453,12 +419,5 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     setenv("TMPDIR", "/dev/shm", 0);  // each board has a flash of its own, not one disk for all
-    std::signal(SIGPIPE, SIG_IGN);    // a node whose reader just went takes no record, that is all
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& problem) {
-        std::printf("tavrik-site: %s\n", problem.what());
-        return 1;
-    }
+    return rig::runTool("tavrik-site", run, argc, argv);
 }

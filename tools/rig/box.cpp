@@ -19,14 +19,6 @@ constexpr std::size_t kLargestReport = 2048;
 constexpr std::size_t kMostReports = 100000;
 constexpr std::string_view kQuery = "link";
 
-sockaddr_in socketAddress(const Endpoint& end) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(end.port);
-    address.sin_addr.s_addr = inet_addr(end.address.c_str());
-    return address;
-}
-
 bool sendFrom(int fd, const Endpoint& to, std::string_view text) {
     const sockaddr_in address = socketAddress(to);
     return sendto(fd, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&address),
@@ -34,6 +26,14 @@ bool sendFrom(int fd, const Endpoint& to, std::string_view text) {
 }
 
 }  // namespace
+
+sockaddr_in socketAddress(const Endpoint& end) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(end.port);
+    address.sin_addr.s_addr = inet_addr(end.address.c_str());
+    return address;
+}
 
 Box::Box(std::vector<Endpoint> ends, std::optional<std::string> answer, Observer observer)
     : observer_(std::move(observer)), answer_(std::move(answer)) {

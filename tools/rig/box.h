@@ -1,5 +1,7 @@
 #pragma once
 
+#include <netinet/in.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -20,6 +22,8 @@ struct Endpoint {
     std::string address;     ///< dotted IPv4 text
     std::uint16_t port = 0;  ///< 0 lets the kernel choose
 };
+
+sockaddr_in socketAddress(const Endpoint& end);
 
 /// A datagram that arrived.
 struct Report {

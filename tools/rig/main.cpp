@@ -1,13 +1,12 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
-#include <exception>
 
 #include "rig/drive.h"
 #include "rig/isolation.h"
 #include "rig/script.h"
+#include "rig/tool.h"
 
 namespace {
 
@@ -58,12 +57,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);  // a node whose reader just went takes no record, that is all
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& problem) {
-        std::fprintf(stderr, "tavrik-rig: %s\n", problem.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return rig::runTool("tavrik-rig", run, argc, argv); }

@@ -235,6 +235,19 @@ bool World::isUser(const std::string& address) const {
 
 Box& World::box(const std::string& address) { return *boxes_.at(address); }
 
+void World::command(std::string_view text) const { control_->send({"127.0.0.1", 41236}, text); }
+
+bool World::worksOff(const std::string& mark, Milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    do {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        command(mark);  // a full socket drops
+    } while (!daemon_->waitForLine("recv error osd command:" + mark, Milliseconds(300)));
+    return true;
+}
+
 Box& World::osd(std::uint16_t port) { return *osd_.at(port); }
 
 std::vector<std::string> World::leftovers() const {

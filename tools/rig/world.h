@@ -74,6 +74,11 @@ class World {
     Box& box(const std::string& address);  ///< throws std::out_of_range when there is none
     Box& osd(std::uint16_t port);          ///< 41237 or 41238
     Box& control() { return *control_; }   ///< sends commands to the daemon, keeps its answers
+    /// Sends a command to the daemon.
+    void command(std::string_view text) const;
+    /// Sends `mark`, which is no command, again and again until the daemon has told that it is
+    /// none: what was sent before is worked off. False when `limit` passes first.
+    bool worksOff(const std::string& mark, Milliseconds limit);
     Daemon& daemon() { return *daemon_; }
     bool hasBox(const std::string& address) const { return boxes_.count(address) != 0; }
 
