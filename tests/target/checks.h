@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/emulator.h"
 #include "machine/machine.h"
 
 /// Counts what passed and what failed, one line a check.
@@ -55,3 +56,6 @@ void checkPanels(Console& console);
 void checkQuickHands(Console& console);
 void checkQuickHotPlugs(Console& console);
 void checkEndurance(Console& console);
+
+/// In a machine of its own, whose plan needs no flash yet.
+void checkPowerCuts(const EmulatorPlan& machinePlan, const std::string& log, Checks& checks);

@@ -41,6 +41,23 @@ void checkCapitals(Console& console, int count, int milliseconds) {
         got == expected, std::to_string(letters) + " arrive");
 }
 
+/// More letters at once than the daemon and the kernel keep: some are lost, no key stays down.
+void checkFlood(Console& console) {
+    Machine& machine = console.machine;
+    machine.skip();
+    machine.start("echo type 2000 0 >&5");
+    machine.await("hands done");
+    console.checks.isTrue("2000 capitals without a pause: what the kernel lost is told",
+                          !machine.await(" lost events, ").empty());
+    std::vector<std::string> last;
+    for (auto more = machine.take("box 80 ", 1); !more.empty(); more = machine.take("box 80 ", 1)) {
+        last = more;
+    }
+    console.checks.equal("  and nothing stays down", std::vector<std::string>{"keys up"}, last);
+    console.tap("g");
+    console.expectBox("  the next key", {"key down G", "keys up"});
+}
+
 /// True when the pointer went over to the box `name`, whose questions are asked at `fd`, and its
 /// button is up there.
 bool dragIsOver(Machine& machine, int direction, const std::string& name, int fd) {
@@ -66,6 +83,7 @@ void checkQuickHands(Console& console) {
     for (const auto& [count, milliseconds] : {std::pair{40, 4}, {40, 2}, {200, 4}}) {
         checkCapitals(console, count, milliseconds);
     }
+    checkFlood(console);
     int stuck = 0;
     for (int pair = 0; pair < 25; ++pair) {
         stuck += dragIsOver(machine, 1, "right", 6) ? 0 : 1;

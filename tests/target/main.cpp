@@ -1,4 +1,4 @@
-// tavrik-target-test arm|pc KERNEL INITRAMFS LOG: the daemon on a real kernel in an emulated
+// tavrik-target-test arm|pc|power KERNEL INITRAMFS LOG: the daemon on a real kernel in an emulated
 // machine.
 #include <unistd.h>
 
@@ -49,13 +49,17 @@ int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     const std::string_view kind = argc > 1 ? argv[1] : "";
     if (argc != (kind == "service" ? 6 : 5)) {
-        std::fputs("usage: tavrik-target-test arm|pc|service KERNEL INITRAMFS LOG [DISK]\n",
+        std::fputs("usage: tavrik-target-test arm|pc|power|service KERNEL INITRAMFS LOG [DISK]\n",
                    stderr);
         return 2;
     }
     Checks checks;
     try {
-        run(kind == "arm", argv + 2, kind == "service" ? argv[5] : "", checks);
+        if (kind == "power") {
+            checkPowerCuts({.kernel = argv[2], .initramfs = argv[3]}, argv[4], checks);
+        } else {
+            run(kind == "arm", argv + 2, kind == "service" ? argv[5] : "", checks);
+        }
     } catch (const std::exception& problem) {
         checks.isTrue("the machine runs to the end", false, problem.what());
     }

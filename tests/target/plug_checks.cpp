@@ -142,6 +142,19 @@ void checkQuickHotPlugs(Console& console) {
     checkReplacedUnseen(console);
 }
 
+/// A mouse with a bad plug, for a minute.
+void checkFlapping(Console& console) {
+    Machine& machine = console.machine;
+    machine.start("tavrik-target-guest flap 100 60 &");
+    const std::string told = machine.await("flapped ", std::chrono::seconds(90));
+    console.checks.isTrue("a mouse comes and goes ten times a second",
+                          told.find(" well ") != told.npos, told);
+    machine.shell("sleep 3");
+    machine.skip();
+    console.tap("h");
+    console.expectBox("  the next key", {"key down H", "keys up"});
+}
+
 void checkEndurance(Console& console) {
     Machine& machine = console.machine;
     const double descriptors = console.figure("ls /proc/$daemon/fd | wc -l");
@@ -157,6 +170,7 @@ void checkEndurance(Console& console) {
     }
     console.checks.equal("100 restarts of the input thread", std::to_string(100),
                          std::to_string(listened));
+    checkFlapping(console);
     machine.skip();
     console.tap("e");
     console.expectBox("  the next key", {"key down E", "keys up"});

@@ -17,7 +17,7 @@ cd "$project"
 . tools/rig/build.sh
 
 packages+=(g++-arm-linux-gnueabihf libboost-dev googletest qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
-    dpkg-dev cpio kmod systemd)
+    e2fsprogs dpkg-dev cpio kmod systemd)
 install_missing
 mkdir -p "$cache"
 # pack PRESET: the package of a build; prints its file.
@@ -70,6 +70,8 @@ arm=$!
 "$driver" pc "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/pc.log" \
     >"$cache/pc.result" 2>&1 || true
 "$here/packages.sh" "$cache/packages" "$deb_arm" "$deb_pc" >"$cache/packages.result" 2>&1 || true
+"$driver" power "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/power.log" \
+    >"$cache/power.result" 2>&1 || true
 # The package's unit, started by systemd on a real kernel.
 disk=$(mktemp -d)
 trap 'rm -rf "$disk"' EXIT
@@ -83,7 +85,7 @@ wait "$arm" || true
 
 passed=0
 failed=0
-for part in size arm pc packages service; do
+for part in size arm pc power packages service; do
     echo "== $part"
     sed '$d' "$cache/$part.result"
     last=$(tail -n 1 "$cache/$part.result")
@@ -95,6 +97,6 @@ for part in size arm pc packages service; do
         failed=$((failed + 1))
     fi
 done
-echo "Logs of the machines: $cache/arm.log, $cache/pc.log, $cache/service.log. Seconds in all: $((SECONDS - started))"
+echo "Logs of the machines: $cache/arm.log, $cache/pc.log, $cache/power.log, $cache/service.log. Seconds in all: $((SECONDS - started))"
 echo "$passed passed, $failed failed"
 ((failed == 0))

@@ -29,6 +29,13 @@ std::vector<std::string> emulatorCommand(const EmulatorPlan& plan) {
     if (!plan.disk.empty()) {
         add({"-virtfs", "local,mount_tag=disk,security_model=passthrough,path=" + plan.disk});
     }
+    if (!plan.flash.empty()) {
+        add({"-blockdev", "driver=file,node-name=image,filename=" + plan.flash, "-blockdev",
+             "driver=file,node-name=writes,filename=" + plan.writes, "-blockdev",
+             "driver=blklogwrites,node-name=flash,file=image,log=writes,log-super-update-interval="
+             "1",
+             "-device", "virtio-blk-pci,drive=flash"});
+    }
     const std::string serial = plan.arm ? "ttyAMA0" : "ttyS0";
     add({"-m", "256", "-kernel", plan.kernel, "-initrd", plan.initramfs, "-append",
          "console=" + serial + " quiet rdinit=/init panic=-1 systemd.show_status=no", "-device",

@@ -48,6 +48,17 @@ int runBox(const std::string& name, const std::string& address) {
     return 0;
 }
 
+/// `order TEXT...`: each text as a command to the daemon.
+int sendOrders(char** first, char** last) {
+    const rig::Box sender({{"127.0.0.1", 0}});
+    for (char** text = first; text != last; ++text) {
+        if (!sender.send({"127.0.0.1", 41236}, *text)) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
 /// `records NODE`: the bytes and the types of what one read from the node gives.
 int showRecords(const char* node) {
     const int fd = open(node, O_RDONLY);
@@ -79,6 +90,7 @@ class Device {
         name.copy(setup.name, sizeof(setup.name) - 1);
         ok_ = ok_ && ioctl(fd_, UI_DEV_SETUP, &setup) == 0 && ioctl(fd_, UI_DEV_CREATE) == 0;
     }
+    void unplug() { ok_ = ok_ && ioctl(fd_, UI_DEV_DESTROY) == 0; }
     void allow(unsigned long request, std::initializer_list<int> bits) {
         for (const int bit : bits) {
             ok_ = ok_ && ioctl(fd_, request, bit) == 0;
@@ -215,6 +227,27 @@ int runHands(const std::string& name) {
     return areThere() ? 0 : 1;
 }
 
+/// `flap MS SECONDS`: for so long a mouse that is there for MS and then away for MS.
+int flap(int milliseconds, int seconds) {
+    Beat beat(std::chrono::microseconds(milliseconds * 1000));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    bool well = true;
+    int times = 0;
+    for (; well && std::chrono::steady_clock::now() < end; ++times) {
+        Device mouse;
+        mouse.allow(UI_SET_EVBIT, {EV_KEY, EV_REL});
+        mouse.allow(UI_SET_KEYBIT, {BTN_LEFT});
+        mouse.allow(UI_SET_RELBIT, {REL_X, REL_Y});
+        mouse.plug("Flapping Mouse");
+        well = mouse.isThere();
+        beat.wait();
+        mouse.unplug();
+        beat.wait();
+    }
+    std::printf("flapped %s %d times\n", well ? "well" : "badly", times);
+    return well ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -223,8 +256,14 @@ int main(int argc, char** argv) {
     if (mode == "box" && argc == 4) {
         return runBox(argv[2], argv[3]);
     }
+    if (mode == "order") {
+        return sendOrders(argv + 2, argv + argc);
+    }
     if (mode == "hands") {
         return runHands(argv[2]);
+    }
+    if (mode == "flap" && argc == 4) {
+        return flap(std::stoi(argv[2]), std::stoi(argv[3]));
     }
     if (mode == "records") {
         return showRecords(argv[2]);
@@ -234,8 +273,8 @@ int main(int argc, char** argv) {
                         std::stoi(argv[4]));
     }
     std::fputs(
-        "usage: tavrik-target-guest box NAME ADDRESS | records NODE | panel KIND MAXX MAXY NAME"
-        " | hands NAME\n",
+        "usage: tavrik-target-guest box NAME ADDRESS | order TEXT... | records NODE | panel KIND MAXX MAXY NAME"
+        " | hands NAME | flap MS SECONDS\n",
         stderr);
     return 2;
 }

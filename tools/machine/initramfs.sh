@@ -12,7 +12,7 @@ modules=(xhci-pci usbhid hid-generic evdev uinput joydev gpio_keys dummy)
 version=$(cat "$cache/version")
 library=$cache/root/lib/modules/$version
 if [[ $version == *amd64 ]]; then
-    modules+=(virtio_pci 9pnet_virtio 9p) # a disk, see `init`
+    modules+=(virtio_pci 9pnet_virtio 9p virtio_blk crc32c_generic ext4) # disks, see `init`
 fi
 tree=$(mktemp -d)
 trap 'rm -rf "$tree"' EXIT
