@@ -175,7 +175,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
     start();
     board().write("data/tav_rik.ini", "edited\n");  // so that there is something to save
-    hold("save", 800);
+    constexpr Milliseconds kFlush{3000};
+    hold("save", kFlush.count());
     board().plugMouse(2);
     awaitHeld();
     const auto pressed = Clock::now();
@@ -184,7 +185,9 @@ TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
     ASSERT_TRUE(report);
     EXPECT_EQ(report->text, "key down A");
     EXPECT_LT(report->when - pressed, Milliseconds{400});
-    expectReport(kFirstBox, "keys up");  // once the old listener is stopped
+    // Once the old listener is stopped.
+    EXPECT_TRUE(daemon().waitForLine("close all keyboard input device", kFlush + kLimit));
+    expectReport(kFirstBox, "keys up");
     expectReport(kFirstBox, "lights caps off num off");
 }
 

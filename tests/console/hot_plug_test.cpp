@@ -116,7 +116,12 @@ TEST_F(HotPlug, AsManyDevicesAsTheListsHoldAreProbedInTimeAndTheDeadOneIsDropped
         plan.devices.push_back({number == 5 ? rig::Kind::kDead : rig::Kind::kKeyboard, number, {}});
         plan.devices.push_back({rig::Kind::kMouse, number + 10, {}});
     }
+    for (int number = 20; number < 28; ++number) {
+        plan.devices.push_back({rig::Kind::kTouch, number, "ILITEK ILITEK-TP"});
+    }
     start();
     EXPECT_THAT(daemon().lines(), ::testing::Contains("get real mouse event 8, keyboard evnet 7"));
     expectPress(8, KEY_A, "key down A");
+    board().emit(18, EV_KEY, BTN_LEFT, 1);
+    expectReport(kFirstBox, "pointer 0,0 buttons left");
 }

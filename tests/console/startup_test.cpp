@@ -110,6 +110,28 @@ TEST_F(Startup, TakesThePortAndJoinsTheGroupWhenTheyAreThereLater) {
     expectLine("kvm quit");
 }
 
+TEST_F(Startup, HearsTheGroupWhateverBecomesOfEth0) {
+    if (!makeEth0()) {
+        GTEST_SKIP() << "no interface eth0 can be made here";
+    }
+    start();
+    constexpr const char* kBack = " && ip link set eth0 up && ip link set eth1 up";
+    for (const auto& [what, address] :
+         {std::pair{"ip link set eth1 down && sleep 0.3 && ip link set eth1 up", "192.168.77.1"},
+          {"ip link set eth0 down && sleep 0.3 && ip link set eth0 up", "192.168.77.1"},
+          {"ip addr flush dev eth0 && ip addr add 192.168.78.9/24 dev eth0", "192.168.78.9"}}) {
+        SCOPED_TRACE(what);
+        ASSERT_EQ(std::system((std::string(what) + kBack).c_str()), 0);
+        board().key(kKeyboard, KEY_A, true);
+        expectReport(kFirstBox, "key down A");
+        board().key(kKeyboard, KEY_A, false);
+        expectReport(kFirstBox, "keys up");
+        const rig::Box management({{address, 0}});
+        ASSERT_TRUE(management.send({"224.168.1.1", 41236}, "KVMQUIT"));
+        expectLine("kvm quit");
+    }
+}
+
 TEST_F(Startup, OnlyThoseMayCommandWhoWereNamed) {
     plan.options = {"--allow-control", "127.0.0.8/30", "--no-multicast"};
     start();

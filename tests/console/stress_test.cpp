@@ -134,3 +134,35 @@ TEST_F(Stress, AnyDatagramLeavesTheConsoleServing) {
     }
     expectServing();
 }
+
+/// 2,000 datagrams a second from a stranger at both ports where answers are awaited: each query
+/// takes one datagram, so some are lost to the stranger, but no box is for long, and nothing of the
+/// stranger's is believed.
+TEST_F(Stress, AStrangerDoesNotKeepABoxFromBeingHeard) {
+    start();
+    std::jthread stranger([](const std::stop_token& over) {
+        const rig::Box sender({{"127.0.0.99", 0}});
+        for (auto next = Clock::now(); !over.stop_requested(); next += Milliseconds{1}) {
+            for (const std::uint16_t port : {std::uint16_t{19357}, std::uint16_t{19358}}) {
+                sender.send({"127.0.0.1", port}, "vi_w=77&vi_h=77&kvm=rel");
+            }
+            std::this_thread::sleep_until(next);
+        }
+    });
+    world().setTime({1000, 0}, 100);  // a query every 50 ms, once the first wait is over
+    for (int i = 0; i < 20; ++i) {
+        const std::string width = std::to_string(800 + i);
+        box(kFirstBox).setAnswer("vi_w=" + width + "&vi_h=600&kvm=abs");
+        EXPECT_TRUE(daemon().waitForLine(
+            [&width](std::string_view line) {
+                return line.starts_with("get vi w=" + width + ",h=600");
+            },
+            kPatience))
+            << width;
+    }
+    for (const std::string& line : daemon().lines()) {
+        EXPECT_EQ(line.find("w=77"), line.npos) << line;
+    }
+    board().key(kKeyboard, KEY_A, true);
+    expectReport(kFirstBox, "key down A");
+}

@@ -1,6 +1,6 @@
 #!/bin/bash
 # run.sh: what is tried for longer than a test may take, in half an hour: the laws, a person at a console who does
-# anything at all, the storm under the thread sanitizer, a whole site, a soak.
+# anything at all, the storm under the thread sanitizer, a whole site, a soak, the fuzzers, the target.
 # run.sh --short: some minutes of it. run.sh --soak HOURS: one console at human speed for so long.
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -41,12 +41,14 @@ if [[ $kind == --short ]]; then
     try "a site of 6 consoles" "$site" --consoles 6 --seconds 30
     exit "$failed"
 fi
-try "laws" env LAWS_RUNS=200 build/release/tests/laws
+try "laws" env LAWS_RUNS=100 build/release/tests/laws
 for seed in 1 2 3; do
-    try "a life, seed $seed" "$life" --seconds 90 --pause 6 --seed "$seed"
-    try "a life with faults, seed $seed" "$life" --seconds 90 --pause 6 --seed "$seed" --faults --release-everything
+    try "a life, seed $seed" "$life" --seconds 60 --pause 6 --seed "$seed"
+    try "a life with faults, seed $seed" "$life" --seconds 60 --pause 6 --seed "$seed" --faults --release-everything
 done
 try "the storm" "$storm" --seconds 600 --acts 50 --storm
-try "a site of 24 consoles" "$site" --seconds 120
-try "a soak" "$life" --faults --release-everything --pause 120 --seconds 300
+try "a site of 24 consoles" "$site" --seconds 300
+try "a soak" "$life" --faults --release-everything --pause 120 --seconds 240
+try "what reads from outside" ./test --fuzz
+try "the target" ./test --target
 exit "$failed"

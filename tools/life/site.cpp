@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <latch>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <stdexcept>
 #include <thread>
@@ -278,6 +279,29 @@ void compare(const std::vector<Seat::Typed>& typed, const std::vector<life::Pres
     figures.doubled += static_cast<std::size_t>(came.end() - press);
 }
 
+/// What so many consoles cost.
+struct Step {
+    std::size_t consoles;
+    double processor;  ///< of all of them, in percent of one processor
+    long memory;       ///< of the largest, in KiB
+    double follow;     ///< milliseconds until the last one has the whole wall, the median
+};
+
+/// A line for each step; bars as long as the greatest value needs.
+void plot(const char* what, const std::vector<Step>& steps, double (*value)(const Step&)) {
+    constexpr double kLongest = 60;
+    double most = 0;
+    for (const Step& step : steps) {
+        most = std::max(most, value(step));
+    }
+    std::printf("\n%s\n", what);
+    for (const Step& step : steps) {
+        const auto length = static_cast<std::size_t>(value(step) / most * kLongest + 0.5);
+        std::printf("%3zu |%s %.1f\n", step.consoles, std::string(length, '#').c_str(),
+                    value(step));
+    }
+}
+
 class Site {
  public:
     Site() : boxes_((makeBridge(), judge_)) {}
@@ -299,6 +323,17 @@ class Site {
             }
         }
         std::this_thread::sleep_for(Milliseconds(6000));  // the group is joined by then
+    }
+
+    /// What the steps so far came to.
+    void plotSteps() const {
+        plot("processor of all consoles, in percent of one", steps_,
+             [](const Step& step) { return step.processor; });
+        plot("memory of all consoles, in MB", steps_, [](const Step& step) {
+            return static_cast<double>(step.memory) / 1024 * static_cast<double>(step.consoles);
+        });
+        plot("the last console has the whole wall after so many ms", steps_,
+             [](const Step& step) { return step.follow; });
     }
 
     /// Everybody is busy for so long, and is arranged anew again and again. True when every key
@@ -381,6 +416,8 @@ class Site {
             figures.doubled, figures.nowhere, rig::percentile(figures.late, 0.5),
             rig::percentile(figures.late, 0.99), rig::percentile(cpu, 0.5), rig::percentile(cpu, 1),
             memory, rig::percentile(follow, 0.5), rig::percentile(follow, 1), down.c_str());
+        steps_.push_back({seats_.size(), std::accumulate(cpu.begin(), cpu.end(), 0.0), memory,
+                          rig::percentile(follow, 0.5)});
         return figures.lost + figures.doubled == 0 && down.empty() && figures.typed > 0;
     }
 
@@ -391,6 +428,7 @@ class Site {
     std::vector<std::unique_ptr<Seat>> seats_;
     int inARow_ = kScreens;
     std::vector<Span> arranged_;
+    std::vector<Step> steps_;
 };
 
 int run(int argc, char** argv) {
@@ -412,6 +450,8 @@ int run(int argc, char** argv) {
         site.grow(count);
         well = site.live(count == consoles.back() ? seconds : step) && well;
     }
+    site.plotSteps();
+    std::printf("%s\n", well ? "every key arrived once, nothing stayed down" : "not well");
     return well ? 0 : 1;
 }
 
