@@ -103,9 +103,6 @@ void collectEchoes(Probe& probe) {
     probe.waitEnds.fill(start + kEcho);
     for (int highest = watch(probe); highest > 0; highest = watch(probe)) {
         const Clock::time_point asked = Clock::now();
-        if (asked >= probe.end) {
-            return;
-        }
         timeval wait = longestWait(probe, asked);
         int ready = 0, error = 0;
         {
@@ -117,10 +114,12 @@ void collectEchoes(Probe& probe) {
             probe.failed = true;
             return;
         }
-        if (ready < 0) {
-            continue;
+        if (ready >= 0) {
+            readReady(probe, asked);
         }
-        readReady(probe, asked);
+        if (asked >= probe.end) {  // looked at once at least, however late
+            return;
+        }
     }
 }
 

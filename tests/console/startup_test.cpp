@@ -179,8 +179,8 @@ TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {
 TEST_F(Startup, ASecondConsoleEndsAtOnceAndTheFirstGoesOn) {
     start();
     const rig::Board other;
-    const std::string command =
-        rig::Daemon::programPath() + " --root " + other.root().string() + " 2>&1";
+    const std::string command = "exec timeout 10 " + rig::Daemon::programPath() + " --root " +
+                                other.root().string() + " 2>&1";
     std::FILE* second = popen(command.c_str(), "r");
     std::array<char, 200> text{};
     EXPECT_NE(std::fgets(text.data(), text.size(), second), nullptr);

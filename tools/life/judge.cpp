@@ -1,5 +1,7 @@
 #include "life/judge.h"
 
+#include <algorithm>
+
 namespace life {
 
 void Judge::take(const std::string& place, std::span<const std::uint8_t> bytes,
@@ -20,7 +22,9 @@ void Judge::take(const std::string& place, std::span<const std::uint8_t> bytes,
             if (usage != 0 && usage != memory.usage) {
                 presses_.push_back({place, usage, when});
             }
+            repeated_ += usage != 0 && std::ranges::equal(bytes, memory.keys) ? 1 : 0;
             memory.usage = usage;
+            memory.keys.assign(bytes.begin(), bytes.end());
         }
     }
     changed_.notify_all();
@@ -59,6 +63,12 @@ std::vector<Press> Judge::presses(std::size_t count, Milliseconds limit) const {
 void Judge::forgetPresses() {
     const std::lock_guard hold(guard_);
     presses_.clear();
+    repeated_ = 0;
+}
+
+std::uint64_t Judge::repeated() const {
+    const std::lock_guard hold(guard_);
+    return repeated_;
 }
 
 std::uint64_t Judge::reports() const {

@@ -43,6 +43,8 @@ class Judge {
     /// came.
     std::vector<Press> presses(std::size_t count, Milliseconds limit) const;
     void forgetPresses();
+    /// Key reports since then that a place got twice in a row while the key was down.
+    std::uint64_t repeated() const;
 
     std::uint64_t reports() const;
 
@@ -50,13 +52,14 @@ class Judge {
     struct Memory {
         std::array<bool, wire::kForms> down{};
         std::uint8_t usage = 0;
+        std::vector<std::uint8_t> keys;  ///< the last report of keys
     };
 
     mutable std::mutex guard_;
     mutable std::condition_variable changed_;
     std::map<std::string, Memory> places_;
     std::vector<Press> presses_;
-    std::uint64_t reports_ = 0;
+    std::uint64_t reports_ = 0, repeated_ = 0;
 };
 
 }  // namespace life

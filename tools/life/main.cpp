@@ -110,8 +110,14 @@ void storm(rig::World& world, Person& person, unsigned seed) {
     }
 }
 
-int fail(const rig::World& world, const Person& person, const std::string& problem) {
+int fail(rig::World& world, const Person& person, const std::string& problem) {
+    constexpr std::size_t kLast = 200;
     std::printf("%s\nWhat was done last:\n%s", problem.c_str(), person.past().c_str());
+    const auto lines = world.daemon().lines();
+    std::puts("What the daemon said last:");
+    for (std::size_t i = lines.size() - std::min(lines.size(), kLast); i < lines.size(); ++i) {
+        std::printf("  %s\n", lines[i].c_str());
+    }
     for (const auto& box : world.leftovers()) {
         std::printf("%s\n", box.c_str());
     }

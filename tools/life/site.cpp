@@ -407,6 +407,9 @@ class Site {
             memory = std::max(memory, seat->daemon().peakMemoryKiB());
             compare(seat->typed(), its, arranged_, figures);
         }
+        // Whoever loses control by an arrangement is told the keys' state once more.
+        const std::uint64_t allowed = follow.size() * seats_.size();
+        figures.doubled += judge_.repeated() > allowed ? judge_.repeated() - allowed : 0;
         const std::string down = judge_.down();
         std::printf(
             "%2zu consoles, %3.0f s: %7.0f reports a second; %zu keys, %zu lost, %zu doubled, %zu typed while there was no cell, p50 %.2f ms, "
