@@ -30,6 +30,8 @@ constexpr std::int32_t moved(std::int32_t coordinate, std::int32_t delta) {
 /// One cell: the name of the input box that it shows.
 struct InInfo {
     AddressText name;
+
+    friend bool operator==(const InInfo&, const InInfo&) = default;
 };
 
 /// One output screen.
@@ -43,6 +45,8 @@ struct OutInfo {
     std::map<std::uint32_t, InInfo> cells;
 
     bool isSingle() const { return columns == 1 && rows == 1; }
+
+    friend bool operator==(const OutInfo&, const OutInfo&) = default;
 };
 
 /// The whole wall.

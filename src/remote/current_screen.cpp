@@ -31,41 +31,87 @@ ScreenShape shapeOf(unsigned outKey, const OutInfo& screen) {
 
 Place placeOf(const currentCtl& current) { return {cellOf(current), pointerOf(current)}; }
 
-/// Makes `screen` the current one. The copy goes in whole, with its place on the wall and the
-/// pointer.
-void enter(unsigned outKey, OutInfo screen, const Place& place) {
-    currentInfo.with([&](currentCtl& current) {
-        std::swap(current.screen, screen);
-        current.outX = gridColumn(outKey);
-        current.outY = gridRow(outKey);
-        current.cellX = place.cell.x;
-        current.cellY = place.cell.y;
-        current.pointerX = place.pointer.x;
-        current.pointerY = place.pointer.y;
+/// How often a screen is looked up again because the wall was changed meanwhile.
+constexpr int kMostLooks = 4;
+
+/// What the current screen becomes.
+struct Entry {
+    OutInfo screen;
+    Place place;
+};
+
+/// Makes the screen that stood at `outKey` the current one. The copy goes in whole, with its place
+/// on the wall and the pointer. False when another one stands there by now: who changes the wall
+/// brings the current screen up to date behind that, so that an old copy must not come later still.
+bool enter(unsigned outKey, const OutInfo& stood, Entry& entry) {
+    return outInfo_.with([&](const outInf& wall) {
+        const auto now = wall.screens.find(outKey);
+        if (now == wall.screens.end() || now->second != stood) {
+            return false;
+        }
+        currentInfo.with([&](currentCtl& current) {
+            std::swap(current.screen, entry.screen);
+            current.outX = gridColumn(outKey);
+            current.outY = gridRow(outKey);
+            current.cellX = entry.place.cell.x;
+            current.cellY = entry.place.cell.y;
+            current.pointerX = entry.place.pointer.x;
+            current.pointerY = entry.place.pointer.y;
+        });
+        return true;
     });
 }
 
-int selectByName(const std::string& name) {
+/// Enters the screen at `outKey` as `entryFor(screen, first look)` tells, looking again when it was
+/// changed meanwhile. False when there is none.
+template <class EntryFor>
+bool enterAt(unsigned outKey, EntryFor entryFor) {
+    for (int look = 1; look <= kMostLooks; ++look) {
+        const auto screen = screenAt(outKey);
+        if (!screen) {
+            break;
+        }
+        Entry entry = entryFor(*screen, look == 1);
+        if (enter(outKey, *screen, entry)) {
+            return true;
+        }
+    }
+    std::puts("the mouse in the output boundary");
+    return false;
+}
+
+/// The key of the first screen whose name begins with `name`; a line for each before it.
+std::optional<unsigned> findByName(const std::string& name) {
     const outInf wall = outInfo_.copy();
     for (const auto& [key, screen] : wall.screens) {
-        if (!screen.name.view().starts_with(name)) {
-            std::printf("not find outIp:%s in map\n", name.c_str());
-            continue;
+        if (screen.name.view().starts_with(name)) {
+            return key;
         }
-        OutInfo chosen = screen;
-        chosen.single = static_cast<std::uint8_t>(screen.isSingle());
-        enter(key, chosen, {});
-        std::array<char, AddressText::kSize> address{};
-        GetIpFromName(screen.name.c_str(), address.data());
-        setOutIp(AddressText{address.data()});
-        if (screen.isSingle()) {
-            std::puts("this is a singal screen");
-        } else {
-            std::printf("this is multi_screen-->%ux%u\n", screen.columns, screen.rows);
-        }
-        return 1;
+        std::printf("not find outIp:%s in map\n", name.c_str());
     }
-    return 0;
+    return std::nullopt;
+}
+
+int selectByName(const std::string& name) {
+    const auto key = findByName(name);
+    OutInfo chosen;
+    const bool entered = key && enterAt(*key, [&chosen](const OutInfo& screen, bool /*first*/) {
+                             chosen = screen;
+                             chosen.single = static_cast<std::uint8_t>(screen.isSingle());
+                             return Entry{chosen, {}};
+                         });
+    if (!entered) {
+        return 0;
+    }
+    std::array<char, AddressText::kSize> address{};
+    GetIpFromName(chosen.name.c_str(), address.data());
+    setOutIp(AddressText{address.data()});
+    if (chosen.isSingle()) {
+        std::puts("this is a singal screen");
+    } else {
+        std::printf("this is multi_screen-->%ux%u\n", chosen.columns, chosen.rows);
+    }
+    return 1;
 }
 
 }  // namespace
@@ -76,20 +122,17 @@ int getCurrentInfo(const unsigned* outKey, const std::string& name) {
     }
     std::printf("get outkey:0x%x\n", *outKey);
     std::puts("find");
-    auto target = screenAt(*outKey);
-    if (!target) {
-        std::puts("the mouse in the output boundary");
-        return 0;
-    }
     const currentCtl before = currentInfo.copy();
-    const auto place = arriveAtEdge(shapeOf(before), shapeOf(*outKey, *target), placeOf(before),
-                                    pictureOf(boxInControl()));
-    if (!place) {
-        std::puts("move out error");
-    }
-    target->single = static_cast<std::uint8_t>(target->isSingle());
-    enter(*outKey, std::move(*target), place.value_or(placeOf(before)));
-    return 1;
+    const bool entered = enterAt(*outKey, [&](OutInfo screen, bool first) {
+        const auto place = arriveAtEdge(shapeOf(before), shapeOf(*outKey, screen), placeOf(before),
+                                        pictureOf(boxInControl()));
+        if (!place && first) {
+            std::puts("move out error");
+        }
+        screen.single = static_cast<std::uint8_t>(screen.isSingle());
+        return Entry{std::move(screen), place.value_or(placeOf(before))};
+    });
+    return entered ? 1 : 0;
 }
 
 int getCurrentInfo_(const unsigned* outKey, bool flag) {
@@ -98,25 +141,28 @@ int getCurrentInfo_(const unsigned* outKey, bool flag) {
     }
     const currentCtl before = currentInfo.copy();
     std::printf("current out location(%u,%u) out key %u\n", before.outX, before.outY, *outKey);
-    auto target = screenAt(*outKey);
-    if (!target) {
-        std::puts("the mouse in the output boundary");
-        return 0;
-    }
     const ScreenShape from = shapeOf(before);
-    const ScreenShape to = shapeOf(*outKey, *target);
-    std::printf("input 0,x:0x%x,y:0x%x,int x:%u, y:%u\n", to.place.x, to.place.y, to.cells.x,
-                to.cells.y);
-    Place place{{}, pointerOf(before)};
-    if (!flag) {
-        if (!directionTo(from, to)) {
-            std::puts("output 0,input 0");
+    const bool entered = enterAt(*outKey, [&](OutInfo screen, bool first) {
+        const ScreenShape to = shapeOf(*outKey, screen);
+        if (first) {
+            std::printf("input 0,x:0x%x,y:0x%x,int x:%u, y:%u\n", to.place.x, to.place.y,
+                        to.cells.x, to.cells.y);
         }
-        place = arriveScaled(from, to, placeOf(before), pictureOf(boxInControl()));
-        target->single = static_cast<std::uint8_t>(to.single);
+        Place place{{}, pointerOf(before)};
+        if (!flag) {
+            if (first && !directionTo(from, to)) {
+                std::puts("output 0,input 0");
+            }
+            place = arriveScaled(from, to, placeOf(before), pictureOf(boxInControl()));
+            screen.single = static_cast<std::uint8_t>(to.single);
+        }
+        if (first) {
+            std::puts("start cp");
+        }
+        return Entry{std::move(screen), place};
+    });
+    if (entered) {
+        std::puts("end cp");
     }
-    std::puts("start cp");
-    enter(*outKey, std::move(*target), place);
-    std::puts("end cp");
-    return 1;
+    return entered ? 1 : 0;
 }

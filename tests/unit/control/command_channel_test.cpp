@@ -159,6 +159,28 @@ TEST_F(Commands, ControlIsWithTheBoxThatTheCellShowsNow) {
     }
 }
 
+/// The cells of a new wall at every step of a crossing that began when it had none.
+TEST_F(Commands, ACrossingEntersTheScreenThatTheWallHasNow) {
+    startFlag = 0;
+    bool more = true;
+    int moment = 0;
+    for (; more; ++moment) {
+        buildWall({"0,0,10.0.0.1#0,0,127.9.0.1", "1,0,10.0.0.2#0,0,127.9.0.2"}, "10.0.0.1");
+        printedBy([&] {
+            osdIpMapSet("0,0,10.0.0.1#1,0,10.0.0.2", "out", nullptr);
+            more = interrupted(
+                moment, [&] { cross(console, Direction::kRight); },
+                [&] {
+                    channel.handle("details&10.0.0.1#0,0,127.9.0.1");
+                    channel.handle("details&10.0.0.2#0,0,127.9.0.2");
+                    channel.handle("MTO:0,0");
+                });
+        });
+        EXPECT_TRUE(!more || !boxInControl().isNone()) << "step " << moment;
+    }
+    EXPECT_GT(moment, 3);
+}
+
 TEST_F(Commands, TouchAddressIsTakenFromASingleEntry) {
     const std::string at48 = "details&10.0.0.1#0,0,127.9.0.1#" + std::string(17, 'x');
     const std::tuple<std::string, const char*, const char*> rows[] = {
