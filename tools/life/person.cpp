@@ -255,6 +255,8 @@ void Person::plug() {
         hold(usual, usual == kKeyboard ? KEY_F : BTN_LEFT);
         rest();
         held_.erase(usual);
+        world_.board.emitPart(
+            usual);  // who has it open hears that it goes; its lines may come back
         world_.board.unplug(usual);
         rest();
         world_.plug({usual == kKeyboard ? rig::Kind::kKeyboard : rig::Kind::kMouse, usual, ""});
@@ -333,10 +335,27 @@ std::string Person::waitUntilServed() {
     }
 }
 
-/// The usual devices, answers and wall; nothing is held and no menu is open.
-void Person::bringBack() {
+/// True when everything that was typed so far is served: what still waits could open a menu later.
+bool Person::isServed() {
+    constexpr std::uint16_t kLast = KEY_SCROLLLOCK;
+    world_.daemon().skipLines();
+    const auto end = Clock::now() + kPatience;
+    const std::string line = "type:1 code:" + std::to_string(kLast) + " value:0";
+    do {
+        world_.board.key(kKeyboard, kLast, true);
+        release(kKeyboard, kLast);
+    } while (!world_.daemon().waitForLine(line, Milliseconds(1000)) && Clock::now() < end);
+    return Clock::now() < end;
+}
+
+/// The usual devices, answers and wall; nothing is held and no menu is open. False when no key is
+/// served any more.
+bool Person::bringBack() {
     releaseAll();
     did("settle");
+    if (!isServed()) {
+        return false;
+    }
     for (const int device : {kOtherKeyboard, kOtherMouse}) {
         if (plugged_.erase(device) != 0) {
             world_.board.unplug(device);
@@ -353,6 +372,7 @@ void Person::bringBack() {
         order(text);
     }
     order("MTO:0,0");
+    return true;
 }
 
 /// Each of six keys arrives once, all at one box.
@@ -375,8 +395,7 @@ std::string Person::prove() {
 }
 
 std::string Person::settle() {
-    bringBack();
-    std::string problem = waitUntilServed();
+    std::string problem = bringBack() ? waitUntilServed() : "no key is served any more\n";
     if (problem.empty()) {
         // A plug may be under way whose restart comes within the next second.
         std::this_thread::sleep_for(Milliseconds(2500));

@@ -66,7 +66,8 @@ class Person {
     void arrange();
     void changeBoxes();
     void fail();
-    void bringBack();
+    bool isServed();
+    bool bringBack();
     std::string waitUntilServed();
     std::string prove();
 
