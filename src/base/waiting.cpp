@@ -1,6 +1,7 @@
 #include "base/waiting.h"
 
 #include <poll.h>
+#include <sys/prctl.h>
 
 #include <cerrno>
 #include <ctime>
@@ -40,6 +41,12 @@ WaitingPlace::WaitingPlace(Waiting& waiting) : before_(place) { place = &waiting
 WaitingPlace::~WaitingPlace() { place = before_; }
 
 void sleepMicroseconds(std::int64_t microseconds) { place->rest(sleepLength(microseconds)); }
+
+void sleepRoughly(std::int64_t microseconds, std::int64_t slack) {
+    prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(slack) * 1000);
+    sleepMicroseconds(microseconds);
+    prctl(PR_SET_TIMERSLACK, 0UL);  // as the thread had it at first
+}
 
 int waitUntilReadable(int fd, int milliseconds) {
     if (fd < 0) {

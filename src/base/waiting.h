@@ -32,5 +32,10 @@ class WaitingPlace {
 /// Sleeps for at least `microseconds` of the board's clock, also when signals arrive. Any thread.
 void sleepMicroseconds(std::int64_t microseconds);
 
+/// The same for a wait whose end nobody waits for: the kernel may make it longer, by at most
+/// `slack` microseconds, to wake the thread together with another one. Threads that are created
+/// afterwards do not inherit that.
+void sleepRoughly(std::int64_t microseconds, std::int64_t slack);
+
 /// As Waiting::untilReadable. Any thread.
 int waitUntilReadable(int fd, int milliseconds);

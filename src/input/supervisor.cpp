@@ -15,6 +15,7 @@
 namespace {
 
 constexpr std::int64_t kPollMicroseconds = 1'000'000;
+constexpr std::int64_t kPollSlackMicroseconds = 50'000;
 
 }  // namespace
 
@@ -117,6 +118,6 @@ void TimeCheckKeyEvent(InputSlices& slices) {
         if (allWorkComesBack()) {
             tellServiceManager("WATCHDOG=1");
         }
-        sleepMicroseconds(kPollMicroseconds);
+        sleepRoughly(kPollMicroseconds, kPollSlackMicroseconds);
     }
 }

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::int64_t kQueryPeriodMicroseconds = 5'000'000;
+constexpr std::int64_t kQuerySlackMicroseconds = 200'000;
 constexpr unsigned kViPort = 19358;
 
 }  // namespace
@@ -29,6 +30,6 @@ void* viThr(void* /*unused*/) {
             bound.end();
         }
         letLogLeave();
-        sleepMicroseconds(kQueryPeriodMicroseconds);
+        sleepRoughly(kQueryPeriodMicroseconds, kQuerySlackMicroseconds);
     }
 }
