@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "app/board.h"
 #include "app/user_list.h"
@@ -24,6 +26,7 @@
 #include "remote/handover.h"
 #include "remote/source_query.h"
 #include "remote/wall_map.h"
+#include "remote/wall_notes.h"
 
 namespace {
 
@@ -68,11 +71,19 @@ void learnLocalAddress() {
     std::printf("locak Ip=%s\n", text.c_str());
 }
 
+void printUnlessEmpty(const std::string& line) {
+    if (!line.empty()) {
+        std::puts(line.c_str());
+    }
+}
+
 /// Reads, prints and writes back the settings, which adds missing keys with their defaults.
 void loadSettings(SoftwareConfig& config) {
     config.ReadConfig();
     config.PrintConfig();
+    const std::string lost = config.keepWhatWouldBeLost();
     config.SaveConfig();
+    printUnlessEmpty(lost);
     const std::string text = config.GetConfig(kServerPortIndex);
     const long port = std::strtol(text.c_str(), nullptr, 10);
     if (port < 0 || port > kMaxPort) {
@@ -94,22 +105,45 @@ void resetAddresses() {
     setOutIp(localip.copy());
 }
 
-void loadWall(const SoftwareConfig& config) {
-    const std::int32_t count = settingNumber(config.GetConfig(kOutNumIndex));
-    std::printf("out number-->%d\n", count);
-    if (count == 0) {
-        return;
-    }
+/// The map lines; the last one is not empty.
+std::vector<std::string> mapLines(const SoftwareConfig& config) {
+    std::vector<std::string> lines;
     for (unsigned index = kFirstMapIndex; index < kSettingCount; ++index) {
-        const std::string line = config.GetConfig(index);
-        if (line.empty()) {
-            break;
-        }
-        std::printf("result-->%s\n", line.c_str());
-        CreatOutIpMap(line);
-        startFlag = 0;
+        lines.push_back(config.GetConfig(index));
     }
-    getCurrentInfo(nullptr, localip.copy().c_str());
+    while (!lines.empty() && lines.back().empty()) {
+        lines.pop_back();
+    }
+    return lines;
+}
+
+/// Tells what became of the map lines, and keeps the file when a save would lose some of them.
+void tellWall(SoftwareConfig& config, LoadedWall loaded) {
+    loaded.wall = outInfo_.copy();
+    for (const std::string& line : describe(loaded, localip.copy().view())) {
+        std::puts(line.c_str());
+    }
+    if (const std::string lost = notCarriedOver(loaded); !lost.empty()) {
+        printUnlessEmpty(config.keepWhatWouldBeLost(lost));
+    }
+}
+
+void loadWall(SoftwareConfig& config) {
+    const std::int32_t count = settingNumber(config.GetConfig(kOutNumIndex));
+    LoadedWall loaded{mapLines(config), count != 0, {}};
+    std::printf("out number-->%d\n", count);
+    if (count != 0) {
+        for (const std::string& line : loaded.lines) {
+            if (line.empty()) {
+                break;
+            }
+            std::printf("result-->%s\n", line.c_str());
+            CreatOutIpMap(line);
+            startFlag = 0;
+        }
+        getCurrentInfo(nullptr, localip.copy().c_str());
+    }
+    tellWall(config, std::move(loaded));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
+#include <unordered_set>
 
 namespace {
 
@@ -50,6 +51,79 @@ bool isComment(std::string_view line) {
     return !line.empty() && (line[0] == '*' || line[0] == '!' || line[0] == ';');
 }
 
+/// Calls `use` with each line, without what ends it.
+template <class Use>
+void forEachLine(std::string_view text, Use use) {
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        use(line);
+    }
+}
+
+/// The rest of the line behind the key, for every setting that has one.
+using Found = std::vector<std::optional<std::string_view>>;
+
+Found findIn(std::string_view text) {
+    Found found(kSettingCount);
+    forEachLine(text, [&found](std::string_view line) {
+        if (isComment(line)) {
+            return;
+        }
+        for (std::size_t at = line.find('='); at != line.npos; at = line.find('=', at + 1)) {
+            const auto index = indexAtEnd(line.substr(0, at + 1));
+            if (index && !found[*index]) {
+                found[*index] = line.substr(at + 1);
+            }
+        }
+    });
+    return found;
+}
+
+std::string nameOf(unsigned index) {
+    std::string name = settingKey(index);
+    name.pop_back();
+    return name;
+}
+
+/// A line as it can stand in another.
+std::string quoted(std::string_view line) {
+    constexpr std::size_t kMost = 60;
+    const bool cut = line.size() > kMost;
+    return '"' + std::string(line.substr(0, kMost)) + (cut ? "..." : "") + '"';
+}
+
+/// The first setting whose key no line has; kSettingCount when there is none.
+unsigned stopOf(const Found& found) {
+    const auto missing = [](const auto& value) { return !value; };
+    return static_cast<unsigned>(std::ranges::find_if(found, missing) - found.begin());
+}
+
+/// What reading leaves out because a key is missing before it.
+std::string behindTheStop(const Found& found) {
+    const unsigned stop = stopOf(found);
+    std::vector<unsigned> behind;
+    for (unsigned index = stop; index < kSettingCount; ++index) {
+        if (found[index] && !found[index]->empty()) {
+            behind.push_back(index);
+        }
+    }
+    return behind.empty() ? ""
+                          : "no " + quoted(settingKey(stop)) + ", so " +
+                                linesAre(nameOf(behind.front()), behind.size()) + " not used";
+}
+
+/// True when `line` is one setting and nothing else.
+bool isSetting(std::string_view line) {
+    const std::size_t equals = line.find('=');
+    return equals != line.npos && indexAtEnd(line.substr(0, equals + 1)) &&
+           line.starts_with(settingKey(*indexAtEnd(line.substr(0, equals + 1))));
+}
+
 }  // namespace
 
 std::string settingKey(unsigned index) {
@@ -60,32 +134,46 @@ std::string settingKey(unsigned index) {
 }
 
 std::vector<std::string_view> settingsIn(std::string_view text) {
-    std::vector<std::optional<std::string_view>> found(kSettingCount);
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
-        if (isComment(line)) {
-            continue;
-        }
-        for (std::size_t at = line.find('='); at != line.npos; at = line.find('=', at + 1)) {
-            const auto index = indexAtEnd(line.substr(0, at + 1));
-            if (index && !found[*index]) {
-                found[*index] = line.substr(at + 1);
-            }
-        }
-    }
     std::vector<std::string_view> values;
-    for (const auto& value : found) {
+    for (const auto& value : findIn(text)) {
         if (!value) {
             break;
         }
         values.push_back(*value);
     }
     return values;
+}
+
+std::string linesAre(const std::string& first, std::size_t count) {
+    if (count == 1) {
+        return first + " is";
+    }
+    return first + " and " + std::to_string(count - 1) +
+           (count == 2 ? " more line are" : " more lines are");
+}
+
+std::string notCarriedOver(std::string_view text, std::string_view saved) {
+    const Found found = findIn(text);
+    std::string why = behindTheStop(found);
+    const unsigned stop = stopOf(found);
+    std::unordered_set<std::string_view> kept;
+    forEachLine(saved, [&kept](std::string_view line) { kept.insert(line); });
+    std::string_view first;
+    std::size_t count = 0;
+    forEachLine(text, [&](std::string_view line) {
+        const bool isBlank = line.find_first_not_of(" \t") == line.npos;
+        // A key alone says nothing; one behind the stop is told as such.
+        const bool isKeyAlone = line.ends_with('=') && isSetting(line);
+        const bool isBehind =
+            isSetting(line) && indexAtEnd(line.substr(0, line.find('=') + 1)) >= stop;
+        if (!isBlank && !isKeyAlone && !isBehind && !kept.contains(line)) {
+            first = count++ == 0 ? line : first;
+        }
+    });
+    if (count > 0) {
+        why += (why.empty() ? "" : "; ") + linesAre(quoted(first), count) + " not kept";
+    }
+    return why;
 }
 
 std::int32_t settingNumber(const std::string& value) {

@@ -43,6 +43,14 @@ std::string settingKey(unsigned index);
 /// into `text`.
 std::vector<std::string_view> settingsIn(std::string_view text);
 
+/// What a file that holds `saved` would not carry over of `text`, in words; empty when it is
+/// nothing: settings behind the one where reading stops, comments, lines that are no settings, what
+/// stands before a key.
+std::string notCarriedOver(std::string_view text, std::string_view saved);
+
+/// "NAME is" or "NAME and N more lines are", as the first words of what becomes of so many lines.
+std::string linesAre(const std::string& first, std::size_t count);
+
 /// The decimal number at the start of a value (0 without one), held within 32 bits.
 std::int32_t settingNumber(const std::string& value);
 

@@ -1,6 +1,7 @@
 #include "config/software_config.h"
 
 #include <cstdio>
+#include <cstring>
 #include <numeric>
 #include <string_view>
 #include <utility>
@@ -60,7 +61,9 @@ bool SoftwareConfig::ReadConfig() {
         refuse(problem, file.state != FileState::kNotRegular);
         return true;
     }
-    const std::vector<std::string_view> values = settingsIn(file.text);
+    read_ = file.text;
+    file_.isRead(read_);
+    const std::vector<std::string_view> values = settingsIn(read_);
     if (!valuesFit(values)) {
         refuse("holds values of more than 16 MiB", true);
         return true;
@@ -93,6 +96,21 @@ void SoftwareConfig::refuse(const char* problem, bool isRegular) {
     }
 }
 
+std::string SoftwareConfig::keepWhatWouldBeLost(std::string why) {
+    if (why.empty()) {
+        why = notCarriedOver(
+            read_, table_.with([](const Table& table) { return settingsText(table.values); }));
+    }
+    if (why.empty() || read_.empty()) {
+        return "";
+    }
+    const auto kept = file_.keep(read_);
+    keepFile_ = keepFile_ || !kept;
+    return "settings: " + why +
+           (kept ? "; the file as it was is " + path_ + std::string(*kept)
+                 : "; the file cannot be kept, nothing will be saved over it");
+}
+
 void SoftwareConfig::PrintConfig() const {
     const std::string lines =
         table_.with([](const Table& table) { return settingsText(table.values); });
@@ -104,9 +122,16 @@ bool SoftwareConfig::SaveConfig() {
         [](Table& table) { return std::pair(settingsText(table.values), ++table.copies); });
     if (keepFile_ || !file_.replace(lines, order)) {
         std::printf("[%s]-%d: save config failed\n", "SaveConfig", 114);
+        std::printf("settings: %s is not written: %s\n", path_.c_str(),
+                    keepFile_ ? "it holds what could not be kept" : std::strerror(file_.error()));
         return false;
     }
     std::printf("[%s]-%d: save config succeed\n", "SaveConfig", 110);
+    if (const auto edited = file_.takeEdited(); edited.was) {
+        std::printf("settings: edited since the start and not read; the file as it was %s%s\n",
+                    edited.kept ? ("is " + path_).c_str() : "could not be kept",
+                    std::string(edited.kept.value_or("")).c_str());
+    }
     if (file_.takeBusy()) {
         std::puts("settings: written more than 10 times in 10 s");
     }

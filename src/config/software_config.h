@@ -27,6 +27,12 @@ class SoftwareConfig {
     /// one line, changes nothing and is set aside with ".refused" behind its name.
     bool ReadConfig();
 
+    /// Keeps the file that was read beside it when the next save would not carry over all of it
+    /// (WholeFile::keep), or would lose it for `why` (a reason in words). Returns the line that
+    /// tells it, without its end; empty when nothing is lost. Where it cannot be kept, nothing will
+    /// be saved over it.
+    std::string keepWhatWouldBeLost(std::string why = {});
+
     /// Prints the lines that SaveConfig writes.
     void PrintConfig() const;
 
@@ -60,8 +66,9 @@ class SoftwareConfig {
     void refuse(const char* problem, bool isRegular);
 
     const std::string path_;
+    std::string read_;  ///< the file as it was; the thread that starts up alone
     Guarded<Table> table_;
     Shared<std::int32_t> outNum_{0};
-    Shared<bool> keepFile_{false};  ///< a refused file could not be set aside: saving would lose it
+    Shared<bool> keepFile_{false};  ///< what stands in the file could not be kept elsewhere
     WholeFile file_;
 };

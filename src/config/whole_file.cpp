@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
 #include <cstdio>
@@ -20,6 +21,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "base/descriptor.h"
 #include "base/file_start.h"
@@ -36,6 +38,8 @@ struct Free {
 struct FileKind {
     bool regular = false;
     mode_t permissions = 0;
+    uid_t owner = 0;
+    gid_t group = 0;
 };
 
 std::optional<FileKind> kindOf(const std::string& path) {
@@ -43,7 +47,7 @@ std::optional<FileKind> kindOf(const std::string& path) {
     if (stat(path.c_str(), &info) != 0) {
         return std::nullopt;
     }
-    return FileKind{S_ISREG(info.st_mode), info.st_mode & 0777};
+    return FileKind{S_ISREG(info.st_mode), info.st_mode & 0777, info.st_uid, info.st_gid};
 }
 
 /// The file that `path` leads to; of a link whose file is not there yet, the file that it names.
@@ -105,32 +109,59 @@ void syncDirectory(const std::string& directory) {
     fsync(fd);
 }
 
+/// A text on the disk that has not its name yet.
+struct Temporary {
+    std::string name;       ///< empty when there is none
+    bool complete = false;  ///< all of it is there
+    int error = 0;          ///< errno of what failed
+};
+
+/// Writes `text` beside `target`, with owner and permissions of `like`.
+Temporary writeTemporary(const std::string& target, const std::string& text,
+                         const std::optional<FileKind>& like) {
+    Temporary temporary{target + std::string(kTemporary)};
+    Descriptor fd(mkostemp(temporary.name.data(), O_CLOEXEC));
+    if (fd < 0) {
+        return {"", false, errno};
+    }
+    const bool written = writeAll(fd, text) &&
+                         (!like || doneOrNotKnown(fchown(fd, like->owner, like->group))) &&
+                         doneOrNotKnown(fchmod(fd, like ? like->permissions : mode_t{0644})) &&
+                         doneOrNotKnown(fsync(fd));
+    temporary.error = written ? 0 : errno;
+    temporary.complete = fd.close() && written;
+    if (written && !temporary.complete) {
+        temporary.error = errno;
+    }
+    return temporary;
+}
+
 }  // namespace
 
 bool WholeFile::replace(const std::string& text, std::uint64_t order) {
     const std::string target = resolved(path_);
     const auto existing = kindOf(target);
-    if (existing &&
-        (!existing->regular || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)) {
-        return false;
+    if (existing && !existing->regular) {
+        return fail(EISDIR);
     }
-    if (holdsAlready(target, text, order)) {
+    if (existing && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
+        return fail(errno);
+    }
+    if (isLeftAlone(target, text, order)) {
         return true;
     }
-    std::string temporary = target + std::string(kTemporary);
-    Descriptor fd(mkostemp(temporary.data(), O_CLOEXEC));
-    if (fd < 0) {
-        return directoryRefuses(errno) && writeInPlace(target, text, order);
+    Temporary temporary = writeTemporary(target, text, existing);
+    if (temporary.name.empty()) {
+        return directoryRefuses(temporary.error) ? writeInPlace(target, text, order)
+                                                 : fail(temporary.error);
     }
-    const bool written =
-        writeAll(fd, text) &&
-        doneOrNotKnown(fchmod(fd, existing ? existing->permissions : mode_t{0644})) &&
-        doneOrNotKnown(fsync(fd));
-    const bool complete = fd.close() && written;
-    const Renamed renamed =
-        complete ? renameOver(temporary, target, text, order) : Renamed::kFailed;
+    Renamed renamed = Renamed::kFailed;
+    if (temporary.complete) {
+        renamed = renameOver(temporary.name, target, text, order);
+        temporary.error = errno;
+    }
     if (renamed != Renamed::kDone) {
-        unlink(temporary.c_str());
+        unlink(temporary.name.c_str());
     }
     if (renamed == Renamed::kDirectoryRefuses) {
         return writeInPlace(target, text, order);
@@ -139,7 +170,7 @@ bool WholeFile::replace(const std::string& text, std::uint64_t order) {
     if (renamed == Renamed::kDone) {
         noteWrite();
     }
-    return renamed != Renamed::kFailed;
+    return renamed != Renamed::kFailed || fail(temporary.error);
 }
 
 void WholeFile::noteWrite() {
@@ -162,15 +193,58 @@ bool WholeFile::setAside(const std::string& kept) const {
     return std::rename(resolved(path_).c_str(), kept.c_str()) == 0;
 }
 
+void WholeFile::isRead(const std::string& text) {
+    newest_.with([&text](Saved& newest) { newest.text = newest.order == 0 ? text : newest.text; });
+}
+
+std::optional<std::string_view> WholeFile::keep(const std::string& text) {
+    constexpr std::array<const char*, 3> kEndings{".before", ".before.1", ".before.2"};
+    for (const char* const ending : kEndings) {
+        const FileText kept = readFileStart(path_ + ending, text.size() + 1);
+        if (kept.state == FileState::kRead && kept.text == text) {
+            return ending;
+        }
+    }
+    const std::string target = resolved(path_);
+    const Temporary temporary = writeTemporary(target, text, kindOf(target));
+    bool kept = temporary.complete;
+    for (std::size_t i = kEndings.size() - 1; kept && i > 0; --i) {
+        kept = std::rename((path_ + kEndings[i - 1]).c_str(), (path_ + kEndings[i]).c_str()) == 0 ||
+               errno == ENOENT;
+    }
+    kept = kept && std::rename(temporary.name.c_str(), (path_ + kEndings[0]).c_str()) == 0;
+    if (!kept && !temporary.name.empty()) {
+        unlink(temporary.name.c_str());
+    }
+    syncDirectory(directoryOf(path_));
+    return kept ? std::optional<std::string_view>(kEndings[0]) : std::nullopt;
+}
+
+WholeFile::Edited WholeFile::takeEdited() {
+    return edited_.with([](Edited& edited) { return std::exchange(edited, {}); });
+}
+
 /// The file itself is read: an edit within the grain of the time stamps would not be seen in them.
-bool WholeFile::holdsAlready(const std::string& target, const std::string& text,
-                             std::uint64_t order) {
-    const FileText file = readFileStart(target, text.size() + 1);
-    if (file.state != FileState::kRead || file.text != text) {
+bool WholeFile::isLeftAlone(const std::string& target, const std::string& text,
+                            std::uint64_t order) {
+    constexpr std::size_t kLargest = std::size_t{1} << 25;
+    Saved last;
+    FileText file;
+    do {
+        last = newest_.copy();
+        file = readFileStart(target, kLargest);
+    } while (newest_.with([](const Saved& newest) { return newest.order; }) != last.order);
+    if (file.state != FileState::kRead) {
         return false;
     }
-    const bool isOurs = newest_.with([&](const Saved& newest) { return newest.text == text; });
-    if (!isOurs) {
+    if (file.text != text) {
+        const bool isEdited = !last.text.empty() && file.text != last.text && !file.text.empty();
+        if (isEdited && text != last.text) {
+            edited_.set({true, keep(file.text)});
+        }
+        return isEdited && text == last.text;
+    }
+    if (last.text != text) {
         const Descriptor fd(open(target.c_str(), O_RDONLY | O_CLOEXEC));
         if (fd < 0 || !doneOrNotKnown(fsync(fd))) {
             return false;  // somebody else's text may not be on the disk yet
@@ -207,7 +281,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
     Descriptor fd(open(target.c_str(), O_WRONLY | O_CLOEXEC));
     struct stat old {};
     if (fd < 0 || fstat(fd, &old) != 0 || !hasRoomFor(fd, text.size())) {
-        return false;
+        return fail(errno);
     }
     newest_.set({order, {}});
     // Whatever stood behind the new text, within reason, is empty lines until it is cut off.
@@ -218,6 +292,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
     const bool written = writeAll(fd, whole) && doneOrNotKnown(fsync(fd)) &&
                          ftruncate(fd, static_cast<off_t>(text.size())) == 0 &&
                          doneOrNotKnown(fsync(fd));
+    const int error = errno;
     const bool complete = fd.close() && written;
     noteWrite();
     newest_.with([&](Saved& newest) {
@@ -225,7 +300,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
             newest.text = text;
         }
     });
-    return complete;
+    return complete || fail(error);
 }
 
 void WholeFile::removeLeftovers() const {

@@ -174,7 +174,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(Timing, TypingGoesOnWhileAPlugsSettingsAreSaved) {
     start();
-    board().write("data/tav_rik.ini", "edited\n");  // so that there is something to save
+    std::filesystem::remove(board().settingsFile());  // so that there is something to save
     constexpr Milliseconds kFlush{3000};
     hold("save", kFlush.count());
     board().plugMouse(2);

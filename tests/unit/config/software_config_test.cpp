@@ -101,6 +101,75 @@ TEST(SoftwareConfig, AFileThatCannotBeMeantIsSetAsideWhole) {
     EXPECT_EQ(directory.names(), std::set<std::string>{"file"});
 }
 
+/// A start reads, saves and tells what that lost; the file is as it was beside it then.
+TEST(SoftwareConfig, KeepsTheFileOfWhichASaveWouldLoseSomething) {
+    const std::string port = "kUdpServerPort=81\n";
+    const std::string fixed = port + kHead.substr(0, kHead.find("kOutNum"));
+    const std::string whole =
+        fixed + "kOutNum=2\nkOutIpmap0=a\nkOutIpmap1=b\n" + fixedMapLines(2) + "kOutIpmap16=c\n";
+    std::string withReturns = whole;
+    for (std::size_t at = 0; (at = withReturns.find('\n', at)) != std::string::npos; at += 2) {
+        withReturns.insert(at, "\r");
+    }
+    const std::pair<std::string, std::string> rows[] = {
+        {"", ""},
+        {whole, ""},
+        {withReturns, ""},
+        {port, ""},
+        {fixed + "kOutNum=4\nkOutIpmap0=a\nkOutIpmap1=b\nkOutIpmap3=d\nkOutIpmap4=\n"
+                 "kOutIpmap5=e\nkOutIpmap6=f\n",
+         "no \"kOutIpmap2=\", so kOutIpmap3 and 2 more lines are not used"},
+        {fixed + "kOutNum = 4\nkOutIpmap0=a\n",
+         "no \"kOutNum=\", so kOutIpmap0 is not used; \"kOutNum = 4\" is not kept"},
+        {fixed + "kOutNum=1\nkOutIpmap0,1,5\n", "\"kOutIpmap0,1,5\" is not kept"},
+        {"# my wall\n; yours\n" + whole, "\"# my wall\" and 1 more line are not kept"},
+        {whole + "kOutNum=9\n", "\"kOutNum=9\" is not kept"},
+        {whole + "kOutIpmap17=\nkOutIpmap18=d\n", "\"kOutIpmap18=d\" is not kept"},
+    };
+    for (const auto& [text, why] : rows) {
+        const Scratch scratch;
+        const std::string path = scratch.put("ini", text);
+        chmod(path.c_str(), 0640);
+        SoftwareConfig config(path);
+        config.ReadConfig();
+        const std::string line =
+            why.empty() ? "" : "settings: " + why + "; the file as it was is " + path + ".before";
+        EXPECT_EQ(config.keepWhatWouldBeLost(), line) << text;
+        EXPECT_TRUE(config.SaveConfig());
+        EXPECT_EQ(scratch.get("ini.before"), why.empty() ? "" : text);
+        EXPECT_EQ(std::filesystem::exists(path + ".before"), !why.empty());
+        struct stat info {};
+        EXPECT_TRUE(why.empty() || (stat((path + ".before").c_str(), &info) == 0 &&
+                                    (info.st_mode & 0777) == 0640));
+    }
+}
+
+TEST(SoftwareConfig, AnEditMadeMeanwhileIsLeftOrKept) {
+    const Scratch scratch;
+    SoftwareConfig config(scratch.path("ini"));
+    config.ReadConfig();
+    config.SaveConfig();
+    scratch.put("ini", "edited");
+    EXPECT_TRUE(config.SaveConfig());
+    EXPECT_EQ(scratch.get("ini"), "edited") << "nothing new is to be saved";
+    const std::string kept =
+        "settings: edited since the start and not read; the file as it was is ";
+    for (const char* text : {"edited", "edited again", "and again", "the fourth", "the fourth"}) {
+        scratch.put("ini", text);
+        config.SetConfig(kHotkeyMapIndex, config.GetConfig(kHotkeyMapIndex) + "x");
+        EXPECT_EQ(
+            printedBy([&] { EXPECT_TRUE(config.SaveConfig()); }),
+            "[SaveConfig]-110: save config succeed\n" + kept + scratch.path("ini.before") + "\n")
+            << text;
+    }
+    EXPECT_EQ(scratch.get("ini.before"), "the fourth");
+    EXPECT_EQ(scratch.get("ini.before.1"), "and again");
+    EXPECT_EQ(scratch.get("ini.before.2"), "edited again");
+    std::filesystem::remove(scratch.path("ini"));
+    EXPECT_TRUE(config.SaveConfig());
+    EXPECT_TRUE(std::filesystem::exists(scratch.path("ini")));
+}
+
 TEST(SoftwareConfig, TakesLongValuesWholeAndEndsTheFileAtTheFirstEmptyMap) {
     const Scratch scratch;
     const std::string wall(100'000, 'w');

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/wall_records.h"
+
+/// What an installer should know of the wall that the settings describe. Pure; any thread.
+
+/// The map lines of the settings, as they stand there, and the wall that was made of them.
+struct LoadedWall {
+    std::vector<std::string> lines;  ///< line n of kOutIpmap; empty ones too
+    bool isUsed = true;              ///< kOutNum is not 0
+    outInf wall;
+};
+
+/// One line on the wall and on this console's place in it; one "not taken:" for each entry that was
+/// dropped, with the reason; one "note:" for what is taken and may surprise. At most 10 of a kind,
+/// then one that counts the rest.
+std::vector<std::string> describe(const LoadedWall& loaded, std::string_view console);
+
+/// What the first save of the wall would not carry over of the lines, in words; empty when it is
+/// nothing: entries that were not taken, their fourth fields, lines behind an empty one, all of
+/// them when kOutNum is 0.
+std::string notCarriedOver(const LoadedWall& loaded);
