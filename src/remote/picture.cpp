@@ -295,20 +295,24 @@ void getChipVersion() {
     std::puts("end get input info");
 }
 
-void TimegetChipVersion() {
+void TimegetChipVersion() { askPeriodically(); }
+
+std::optional<BoxAsked> askPeriodically() {
     UDPSocket* socket = InputViSocket;
-    if (socket == nullptr || boxInControl().is_user_ip) {
-        return;
+    const BoxInControl now = boxInControl();
+    if (socket == nullptr || now.is_user_ip) {
+        return std::nullopt;
     }
     const auto answer = askBox(*socket);
     if (!answer) {
-        return;
+        return now.isNone() ? std::nullopt : std::optional(BoxAsked{now.curIp, false});
     }
     if (!answer->isFromBox()) {
         std::printf("now input ip %s get error Ip %s\n", answer->box().c_str(),
                     answer->sender.c_str());
-        return;
+        return BoxAsked{answer->box(), false};
     }
     printEcho(*answer);
     applyPeriodicAnswer(*answer);
+    return BoxAsked{answer->box(), true};
 }

@@ -1,11 +1,15 @@
 #include "remote/source_query.h"
 
+#include <cstdio>
+#include <string>
+
 #include "base/log_queue.h"
 #include "base/state.h"
 #include "base/waiting.h"
 #include "base/work_bound.h"
 #include "net/udp_socket.h"
 #include "remote/box_in_control.h"
+#include "remote/box_presence.h"
 #include "remote/picture.h"
 
 namespace {
@@ -14,6 +18,12 @@ constexpr std::int64_t kQueryPeriodMicroseconds = 5'000'000;
 constexpr std::int64_t kQuerySlackMicroseconds = 200'000;
 constexpr unsigned kViPort = 19358;
 
+void tell(const std::string& line) {
+    if (!line.empty()) {
+        std::puts(line.c_str());
+    }
+}
+
 }  // namespace
 
 void* viThr(void* /*unused*/) {
@@ -21,12 +31,15 @@ void* viThr(void* /*unused*/) {
     socket->CreateUDPServer(kViPort, 1, true, true);
     InputViSocket = socket;
     const DeferredLog log;  // the log's thread wakes once a query, not once a line
+    BoxPresence presence;
     WorkBound bound(std::chrono::seconds(10));
     for (;;) {
         const AddressText box = boxInControl().curIp;
         if (!box.empty() && !box.view().starts_with(AddressText::kNone)) {
             bound.begin();
-            TimegetChipVersion();
+            if (const auto asked = askPeriodically()) {
+                tell(presence.note(asked->box, asked->answered));
+            }
             bound.end();
         }
         letLogLeave();
