@@ -18,6 +18,7 @@ endforeach()
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 install(TARGETS tavrik RUNTIME DESTINATION sbin)
 install(FILES packaging/tavrik.service DESTINATION lib/systemd/system)
+install(FILES packaging/journald.conf DESTINATION lib/systemd/journald@tavrik.conf.d RENAME tavrik.conf)
 install(FILES ${compressed}/tavrik.8.gz DESTINATION share/man/man8)
 install(FILES packaging/copyright ${compressed}/changelog.gz DESTINATION share/doc/tavrik)
 

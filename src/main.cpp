@@ -1,6 +1,12 @@
+#include <getopt.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <string_view>
+#include <cstring>
+#include <stdexcept>
 
 #include "app/ending.h"
 #include "app/inputevent.h"
@@ -20,21 +26,31 @@ constexpr const char* kHelp =
     "\n"
     "  --release-everything\n"
     "               no key and no button ever stays down at a computer: see tavrik(8)\n"
+    "  --hide-keys  no line of the log tells which key was pressed\n"
     "  --allow-control ADDRESS[/BITS]\n"
     "               only these may command this console (repeatable)\n"
     "  --no-multicast\n"
     "               orders for the whole site are not for this console\n"
     "  --root DIR   a virtual board: DIR stands before every absolute path that is opened,\n"
     "               and shell commands are run only where DIR/bin has the program\n"
-    "  --version    print the version and end\n"
-    "  --help       print this text and end\n";
+    "  -V, --version\n"
+    "               print the version and end\n"
+    "  -h, --help   print this text and end\n";
 
 constexpr int kAlreadyRuns = 1;
 constexpr int kUsageError = 2;
+constexpr int kUnusableFile = 78;  ///< EX_CONFIG: starting again does not help
 
 bool takeRoot(const char* directory) {
-    if (directory == nullptr || *directory == '\0') {
+    if (*directory == '\0') {
         std::fputs("tavrik: --root needs a directory\n", stderr);
+        return false;
+    }
+    struct stat info {};
+    const bool isThere = stat(directory, &info) == 0;
+    if (!isThere || !S_ISDIR(info.st_mode)) {
+        std::fprintf(stderr, "tavrik: --root %s: %s\n", directory,
+                     std::strerror(isThere ? ENOTDIR : errno));
         return false;
     }
     setPathPrefix(directory);
@@ -42,41 +58,73 @@ bool takeRoot(const char* directory) {
 }
 
 bool takeAllowed(const char* network, AllowedSenders& allowed) {
-    const bool taken = network != nullptr && allowed.add(network);
+    const bool taken = allowed.add(network);
     if (!taken) {
         std::fputs("tavrik: --allow-control needs an address or address/bits\n", stderr);
     }
     return taken;
 }
 
+enum Option { kReleaseEverything = 256, kHideKeys, kAllowControl, kNoMulticast, kRoot };
+constexpr std::array<option, 8> kOptions{{
+    {"release-everything", no_argument, nullptr, kReleaseEverything},
+    {"hide-keys", no_argument, nullptr, kHideKeys},
+    {"allow-control", required_argument, nullptr, kAllowControl},
+    {"no-multicast", no_argument, nullptr, kNoMulticast},
+    {"root", required_argument, nullptr, kRoot},
+    {"version", no_argument, nullptr, 'V'},
+    {"help", no_argument, nullptr, 'h'},
+    {nullptr, 0, nullptr, 0},
+}};
+
+/// Takes one option that makes no difference but to how the console runs; false when it cannot be
+/// meant so.
+bool take(int option, inputevent_& events) {
+    switch (option) {
+        case kReleaseEverything:
+            releaseEverything = 1;
+            return true;
+        case kHideKeys:
+            hideKeys = 1;
+            return true;
+        case kNoMulticast:
+            events.forCommands.joinsGroup = false;
+            return true;
+        case kAllowControl:
+            return takeAllowed(optarg, events.allowedSenders);
+        case kRoot:
+            return takeRoot(optarg);
+        default:
+            return false;
+    }
+}
+
 /// What the command line asks for: -1 to run, otherwise the exit status to end with.
 int parseArguments(int count, char** arguments, inputevent_& events) {
-    for (int i = 1; i < count; ++i) {
-        const std::string_view option = arguments[i];
-        if (option == "--help") {
+    opterr = 0;  // the texts are our own
+    for (int found = 0;
+         (found = getopt_long(count, arguments, "+:hV", kOptions.data(), nullptr)) != -1;) {
+        if (found == 'h') {
             std::fputs(kHelp, stdout);
             return 0;
         }
-        if (option == "--version") {
+        if (found == 'V') {
             std::printf("tavrik %s\n", kVersion);
             return 0;
         }
-        bool good = true;  // behind the last argument stands a null
-        if (option == "--release-everything") {
-            releaseEverything = 1;
-        } else if (option == "--no-multicast") {
-            events.forCommands.joinsGroup = false;
-        } else if (option == "--allow-control") {
-            good = takeAllowed(arguments[++i], events.allowedSenders);
-        } else if (option == "--root") {
-            good = takeRoot(arguments[++i]);
-        } else {
-            std::fprintf(stderr, "tavrik: unknown option %s (see --help)\n", arguments[i]);
-            good = false;
-        }
-        if (!good) {
+        if (found == '?' || found == ':') {
+            std::fprintf(stderr, "tavrik: %s %s (see --help)\n",
+                         found == '?' ? "unknown option" : "no value behind",
+                         arguments[optind - 1]);
             return kUsageError;
         }
+        if (!take(found, events)) {
+            return kUsageError;
+        }
+    }
+    if (optind < count) {
+        std::fprintf(stderr, "tavrik: unexpected argument %s (see --help)\n", arguments[optind]);
+        return kUsageError;
     }
     return -1;
 }
@@ -97,6 +145,11 @@ int main(int argc, char** argv) {
     }
     letGoAtTheEnd();
     startLogWriter();
-    startUp(*events);
+    try {
+        startUp(*events);
+    } catch (const std::out_of_range&) {
+        std::puts("ip.txt: an empty line between IP{ and }: the console cannot start");
+        return kUnusableFile;
+    }
     TimeCheckKeyEvent(events->forInput);
 }

@@ -23,6 +23,7 @@
 /// | ctrl_3_flag   | flag            | 1                  | M       | I       |
 /// | alt_3_flag    | flag            | 0                  | M       | I       |
 /// | releaseEverything | flag        | 0                  | M       | M C I   |
+/// | hideKeys      | flag            | 0                  | M       | I       |
 /// | startFlag     | flag            | 1                  | M C     | C       |
 /// | clear_flag    | flag            | 0                  | C       | -       |
 /// | vr_mouse      | flag            | 0                  | -       | -       |
@@ -48,6 +49,7 @@ inline Flag shift_3_flag{0};       ///< three taps of Shift open the KVM mode
 inline Flag ctrl_3_flag{1};        ///< three taps of Ctrl open the OSD
 inline Flag alt_3_flag{0};         ///< three taps of Alt open the preview
 inline Flag releaseEverything{0};  ///< --release-everything
+inline Flag hideKeys{0};           ///< --hide-keys
 inline Flag startFlag{1};          ///< the wall map awaits its first selection
 inline Flag clear_flag{0};         ///< the OSD was closed by command
 inline Flag vr_mouse{0};           ///< the pointer is mirrored to the output box; nothing sets it

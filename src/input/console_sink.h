@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/state.h"
 #include "input/later_lines.h"
 #include "input/rule_state.h"
 #include "input/sink.h"
@@ -8,7 +9,7 @@
 /// datagrams. After a command the state has the box then in control. Input thread.
 class ConsoleSink : public Sink {
  public:
-    explicit ConsoleSink(RuleState& state) : state_(state) {}
+    explicit ConsoleSink(RuleState& state) : state_(state) { hidesKeys = hideKeys != 0; }
 
     void toBox(const BoxReport& report) override;
     void toOsd(OsdPort port, std::span<const std::uint8_t> bytes) override;

@@ -30,7 +30,7 @@ constexpr Arrow kArrows[] = {{0x50, Direction::kLeft},
 
 std::optional<std::size_t> KeyRules::serve(const KeyEvent& event) {
     const InputRecord& record = event.record;
-    sink_.line("type:%d code:%d value:%d\n", int{record.type}, int{record.code}, record.value);
+    sink_.keyLine("type:%d code:%d value:%d\n", int{record.type}, int{record.code}, record.value);
     if (record.type == EV_LED) {
         takeLed(event);
     }
@@ -89,8 +89,8 @@ bool KeyRules::takeKey(const KeyEvent& event) {
     state_.keys.keyName.fill('\0');
     const int length = OnKeyDown(state_.console.lights, event.record.code, state_.keys.bytes.data(),
                                  0, 0, 0, state_.keys.keyName.data());
-    sink_.line("check event:%s  %s key press-->%s\n", event.name, event.name,
-               state_.keys.keyName.data());
+    sink_.keyLine("check event:%s  %s key press-->%s\n", event.name, event.name,
+                  state_.keys.keyName.data());
     if (resyncIsDue(state_.console, state_.box)) {
         sink_.line("osd change signal need locks sync\n");
         sink_.command({Order::kResync});
@@ -113,13 +113,13 @@ void KeyRules::noteLockKey() {
 void KeyRules::forwardSingleKey() {
     if (!state_.box.isNone()) {
         if (state_.keys.firstKey() == kEscapeUsage) {
-            sink_.line("send ESC to input\n");
+            sink_.keyLine("send ESC to input\n");
         }
         forwardPress(state_, sink_);
         if (state_.keys.name().starts_with("F13") && !state_.box.is_user_ip) {
             sink_.pause(kAfterKeyMicroseconds);
             sink_.toBox(BoxReport::keys(wire::kKeyRelease, BoxReport::Kind::kKeysAtBasePort));
-            sink_.line("send run/stop\n");
+            sink_.keyLine("send run/stop\n");
         }
     }
     taps_.reset();
@@ -131,7 +131,7 @@ void KeyRules::release(const KeyEvent& event) {
     const KeyUp up =
         takeKeyUp(event.record.code, state_.keys.bytes.data(), state_.releaseEverything);
     if (up.line != nullptr) {
-        sink_.line("%s\n", up.line);
+        sink_.keyLine("%s\n", up.line);
     }
     if (up.length != 0) {
         tellRelease();
@@ -211,8 +211,8 @@ void KeyRules::toOutputOsd() {
     }
     sink_.toOsd(OsdPort::kOutputKeys, state_.keys.bytes);
     if (!isEscape()) {
-        sink_.line("send %s kvm set hotkey %s lock 0x%x\n", out, state_.keys.keyName.data(),
-                   unsigned{locks});
+        sink_.keyLine("send %s kvm set hotkey %s lock 0x%x\n", out, state_.keys.keyName.data(),
+                      unsigned{locks});
     }
 }
 
@@ -221,7 +221,7 @@ void KeyRules::toOutputOsd() {
 std::size_t KeyRules::groupKey() {
     groupText_.fill('\0');
     GetChar(state_.keys.bytes.data(), groupText_.data());
-    sink_.line("get groupkey-->%s\n", groupText_.data());
+    sink_.keyLine("get groupkey-->%s\n", groupText_.data());
     const HotkeyMatch match = findHotkey(state_.hotkeys, groupText_.data());
     if (match.found) {
         giveToOsd();
@@ -236,7 +236,7 @@ std::size_t KeyRules::groupKey() {
 void KeyRules::giveToOsd() {
     const AddressText screen =
         state_.place.with([](const currentCtl& now) { return now.screen.name; });
-    sink_.line("get kvm hotkey-->%s  sendto %s\n", groupText_.data(), screen.c_str());
+    sink_.keyLine("get kvm hotkey-->%s  sendto %s\n", groupText_.data(), screen.c_str());
     sink_.toOsd(state_.osdIsHere ? OsdPort::kHereKeys : OsdPort::kOutputCommands,
                 state_.keys.forBox());
     sink_.toBox(BoxReport::keys(wire::kKeyRelease));
@@ -264,7 +264,8 @@ void KeyRules::forwardGroupKey() {
         hotkeySent_ = false;
         return;
     }
-    sink_.line("0x%x 0x%x\n", unsigned{state_.keys.modifiers()}, unsigned{state_.keys.firstKey()});
+    sink_.keyLine("0x%x 0x%x\n", unsigned{state_.keys.modifiers()},
+                  unsigned{state_.keys.firstKey()});
     forwardPress(state_, sink_);
     sink_.pause(kAfterKeyMicroseconds);
     groupText_.fill('\0');

@@ -49,6 +49,18 @@ class Sink {
         va_end(arguments);
     }
 
+    /// The same for one that tells which key was pressed.
+    [[gnu::format(printf, 2, 3)]] void keyLine(const char* format, ...) {
+        if (hidesKeys) {
+            return;
+        }
+        va_list arguments;
+        va_start(arguments, format);
+        print(format, arguments);
+        va_end(arguments);
+    }
+    bool hidesKeys = false;
+
  protected:
     virtual void print(const char* format, va_list arguments) = 0;
 };

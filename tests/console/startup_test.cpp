@@ -56,6 +56,19 @@ TEST_F(Startup, UnusableFilesCostOneLineEach) {
     EXPECT_TRUE(console.running());
 }
 
+TEST_F(Startup, AUserListWithAnEmptyLineEndsItWithAStatusOfItsOwn) {
+    world().board.write("work/ip.txt", "IP{\r\n10.0.0.5\r\n\r\n}\r\n");
+    const std::string command = "cd " + board().work().string() + " && exec timeout 10 " +
+                                rig::Daemon::programPath() + " --root " + board().root().string();
+    std::FILE* program = popen(command.c_str(), "r");
+    std::string text(10'000, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), program));
+    EXPECT_EQ(WEXITSTATUS(pclose(program)), 78);
+    EXPECT_TRUE(
+        text.ends_with("ip.txt: an empty line between IP{ and }: the console cannot start\n"))
+        << text;
+}
+
 TEST_F(Startup, LoadsAsManyMapLinesAsTheTableHolds) {
     std::string settings =
         "kUdpServerPort=81\nkActKeyEvent=\nkHotkeymap=\nkHotCmd0=\nkHotCmd1=\nkHotCmd2=\n"
@@ -197,10 +210,16 @@ TEST(CommandLine, OptionsAreAnsweredInOneGo) {
         int status;
         const char* begins;
     } rows[] = {{"--version", 0, "tavrik T-0.0.0.6\n"},
+                {"-V", 0, "tavrik T-0.0.0.6\n"},
                 {"--help", 0, "usage: tavrik [options]\n"},
+                {"-h --nonsense", 0, "usage: tavrik [options]\n"},
                 {"--nonsense", 2, "tavrik: unknown option --nonsense (see --help)\n"},
-                {"extra", 2, "tavrik: unknown option extra (see --help)\n"},
-                {"--root", 2, "tavrik: --root needs a directory\n"},
+                {"-x", 2, "tavrik: unknown option -x (see --help)\n"},
+                {"extra", 2, "tavrik: unexpected argument extra (see --help)\n"},
+                {"--root", 2, "tavrik: no value behind --root (see --help)\n"},
+                {"--root=", 2, "tavrik: --root needs a directory\n"},
+                {"--root /missing", 2, "tavrik: --root /missing: No such file or directory\n"},
+                {"--root /dev/null", 2, "tavrik: --root /dev/null: Not a directory\n"},
                 {"--allow-control 10.0.0.0/33", 2,
                  "tavrik: --allow-control needs an address or address/bits\n"}};
     for (const auto& row : rows) {

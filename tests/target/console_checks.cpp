@@ -35,8 +35,8 @@ void startDaemon(Console& console) {
         machine.start("cd /data; /usr/sbin/tavrik & daemon=$!");
         return;
     }
-    machine.start("journalctl --follow --lines=all --output=cat --unit=tavrik &");
     console.checks.isTrue("systemd starts the unit", machine.start("systemctl start tavrik"));
+    machine.start("journalctl --namespace=tavrik --follow --lines=all --output=cat &");
     machine.start("daemon=$(systemctl show --property=MainPID --value tavrik)");
     machine.shell("sleep 2");
     console.checks.isTrue("and its watchdog is fed",

@@ -40,6 +40,11 @@ void run(bool arm, char** files, const std::string& disk, Checks& checks) {
         checkEndurance(console);
         unlink(registers.c_str());
     }
+    if (console.service) {
+        checks.equal("its log tells no keys", "0",
+                     machine.shell("journalctl --namespace=tavrik --output=cat | "
+                                   "grep -c -e 'key press' -e type: || true"));
+    }
     checks.equal("the daemon still runs", "tavrik", machine.shell("cat /proc/$daemon/comm"));
 }
 

@@ -301,4 +301,32 @@ TEST_F(Keys, LightsAreReadAtTheFirstKeyAndTakenFromTheKeyboard) {
     EXPECT_EQ(serve(EV_KEY, KEY_B, 1), "keys 00+05");
 }
 
+/// Passwords of the same length and with the same shifts leave the same lines, whoever gets them.
+TEST_F(Keys, HiddenKeysLeaveNoTrace) {
+    using Password = std::vector<std::pair<int, bool>>;  // keys, and whether with Shift
+    const Password passwords[] = {
+        {{KEY_A, false}, {KEY_B, true}, {KEY_3, false}, {KEY_4, true}, {KEY_SPACE, false}},
+        {{KEY_X, false}, {KEY_MINUS, true}, {KEY_8, false}, {KEY_Q, true}, {KEY_DOT, false}}};
+    for (const bool hidden : {false, true}) {
+        for (const char* modes : {"", "o", "p", "k"}) {
+            for (const bool here : {true, false}) {
+                std::string lines[2];
+                for (int which = 0; which < 2; ++which) {
+                    sink.hidesKeys = hidden;
+                    state.osdIsHere = here;
+                    for (const auto& [code, shifted] : passwords[which]) {
+                        setModes(modes);
+                        key(KEY_LEFTSHIFT, shifted ? 1 : 2, 1000);
+                        tap(code, 0);
+                        key(KEY_LEFTSHIFT, shifted ? 0 : 2);
+                    }
+                    lines[which] = sink.takeLines();
+                }
+                EXPECT_EQ(lines[0] == lines[1], hidden) << modes << here << lines[0] << lines[1];
+                EXPECT_NE(lines[0], "");
+            }
+        }
+    }
+}
+
 }  // namespace
