@@ -10,11 +10,12 @@ install_missing
 
 kind=${1:-long}
 failed=0
-# try WHAT COMMAND...: a line with the time and the last of what it prints (a daemon's farewell apart).
+# try WHAT COMMAND...: a line with the time and the last of what it prints (a daemon's farewell apart); all of it
+# is in build/long.
 try() {
-    local what=$1 started=$SECONDS log
+    local what=$1 started=$SECONDS
+    local log=build/long/${what// /-}.log
     shift
-    log=$(mktemp)
     if "$@" >"$log" 2>&1; then
         echo "  ok    $what ($((SECONDS - started)) s): $(grep -v Normal "$log" | tail -n 1)"
     else
@@ -22,9 +23,9 @@ try() {
         echo "  FAIL  $what: $*"
         failed=1
     fi
-    rm -f "$log"
 }
 
+mkdir -p build/long
 build release tavrik tavrik-life tavrik-site laws
 life=build/release/tools/life/tavrik-life
 site=build/release/tools/life/tavrik-site
@@ -43,12 +44,12 @@ if [[ $kind == --short ]]; then
 fi
 try "laws" env LAWS_RUNS=100 build/release/tests/laws
 for seed in 1 2 3; do
-    try "a life, seed $seed" "$life" --seconds 60 --pause 6 --seed "$seed"
-    try "a life with faults, seed $seed" "$life" --seconds 60 --pause 6 --seed "$seed" --faults --release-everything
+    try "a life, seed $seed" "$life" --seconds 40 --pause 6 --seed "$seed"
+    try "a life with faults, seed $seed" "$life" --seconds 40 --pause 6 --seed "$seed" --faults --release-everything
 done
 try "the storm" "$storm" --seconds 600 --acts 50 --storm
 try "a site of 24 consoles" "$site" --seconds 300
-try "a soak" "$life" --faults --release-everything --pause 120 --seconds 240
+try "a soak" "$life" --faults --release-everything --pause 120 --seconds 180
 try "what reads from outside" ./test --fuzz
 try "the target" ./test --target
 exit "$failed"
