@@ -120,6 +120,9 @@ void SoftwareConfig::PrintConfig() const {
 bool SoftwareConfig::SaveConfig() {
     const auto [lines, order] = table_.with(
         [](Table& table) { return std::pair(settingsText(table.values), ++table.copies); });
+    if (keepFile_ && !read_.empty() && file_.keep(read_)) {
+        keepFile_ = false;  // the disk was full, or could not be written to
+    }
     if (keepFile_ || !file_.replace(lines, order)) {
         std::printf("[%s]-%d: save config failed\n", "SaveConfig", 114);
         std::printf("settings: %s is not written: %s\n", path_.c_str(),

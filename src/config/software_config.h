@@ -66,7 +66,7 @@ class SoftwareConfig {
     void refuse(const char* problem, bool isRegular);
 
     const std::string path_;
-    std::string read_;  ///< the file as it was; the thread that starts up alone
+    std::string read_;  ///< the file as it was; not changed once there are threads
     Guarded<Table> table_;
     Shared<std::int32_t> outNum_{0};
     Shared<bool> keepFile_{false};  ///< what stands in the file could not be kept elsewhere

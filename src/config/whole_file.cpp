@@ -205,8 +205,7 @@ std::optional<std::string_view> WholeFile::keep(const std::string& text) {
             return ending;
         }
     }
-    const std::string target = resolved(path_);
-    const Temporary temporary = writeTemporary(target, text, kindOf(target));
+    const Temporary temporary = writeTemporary(path_, text, kindOf(path_));
     bool kept = temporary.complete;
     for (std::size_t i = kEndings.size() - 1; kept && i > 0; --i) {
         kept = std::rename((path_ + kEndings[i - 1]).c_str(), (path_ + kEndings[i]).c_str()) == 0 ||
@@ -244,7 +243,7 @@ bool WholeFile::isLeftAlone(const std::string& target, const std::string& text,
         }
         return isEdited && text == last.text;
     }
-    if (last.text != text) {
+    if (last.text != text || !last.isFlushed) {
         const Descriptor fd(open(target.c_str(), O_RDONLY | O_CLOEXEC));
         if (fd < 0 || !doneOrNotKnown(fsync(fd))) {
             return false;  // somebody else's text may not be on the disk yet
@@ -252,7 +251,7 @@ bool WholeFile::isLeftAlone(const std::string& target, const std::string& text,
     }
     newest_.with([&](Saved& newest) {
         if (order > newest.order) {
-            newest = {order, text};
+            newest = {order, text, true};
         }
     });
     return true;
@@ -267,7 +266,7 @@ WholeFile::Renamed WholeFile::renameOver(const std::string& temporary, const std
         if (std::rename(temporary.c_str(), target.c_str()) != 0) {
             return directoryRefuses(errno) ? Renamed::kDirectoryRefuses : Renamed::kFailed;
         }
-        newest = {order, text};
+        newest = {order, text, true};
         return Renamed::kDone;
     });
 }
@@ -283,7 +282,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
     if (fd < 0 || fstat(fd, &old) != 0 || !hasRoomFor(fd, text.size())) {
         return fail(errno);
     }
-    newest_.set({order, {}});
+    newest_.set({order, {}, false});
     // Whatever stood behind the new text, within reason, is empty lines until it is cut off.
     constexpr off_t kMostLines = off_t{1} << 20;
     std::string whole = text;
@@ -297,7 +296,7 @@ bool WholeFile::writeInPlace(const std::string& target, const std::string& text,
     noteWrite();
     newest_.with([&](Saved& newest) {
         if (complete && newest.order == order) {
-            newest.text = text;
+            newest = {order, text, true};
         }
     });
     return complete || fail(error);

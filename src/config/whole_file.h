@@ -62,7 +62,8 @@ class WholeFile {
 
     struct Saved {
         std::uint64_t order = 0;
-        std::string text;  ///< on the disk; empty before, and when its save failed on the way
+        std::string text;        ///< as read or written last; empty before, and when that failed
+        bool isFlushed = false;  ///< it is sure to be on the disk
     };
 
     bool isLeftAlone(const std::string& target, const std::string& text, std::uint64_t order);

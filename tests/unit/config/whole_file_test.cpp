@@ -117,6 +117,7 @@ TEST(WholeFile, IsLeftAloneWhileItHoldsWhatWasWrittenLast) {
                !std::filesystem::equivalent(path, scratch.path("kept"));
     };
     flushes = 0;
+    file.isRead("same");
     EXPECT_FALSE(replaces("same"));
     EXPECT_EQ(flushes, 1) << "somebody else's text may not be on the disk yet";
     EXPECT_FALSE(replaces("same"));
@@ -167,6 +168,28 @@ TEST(WholeFile, IsWrittenInPlaceWhereTheDirectoryRefuses) {
     EXPECT_EQ(scratch.get("file"), "second");
     EXPECT_EQ(scratch.get("ini"), unusable);
     EXPECT_EQ(scratch.names(), (Names{"file", "ini"}));
+}
+
+TEST(WholeFile, NothingIsSavedOverSettingsThatCannotBeKeptYet) {
+    const Scratch scratch;
+    const std::string path = scratch.put("ini", "# mine\n");
+    chmod(path.c_str(), 0666);
+    SoftwareConfig config(path);
+    config.ReadConfig();
+    chmod(scratch.path().c_str(), 0555);
+    {
+        const Unprivileged user;
+        EXPECT_EQ(config.keepWhatWouldBeLost(),
+                  "settings: \"# mine\" is not kept; the file cannot be kept, nothing will be "
+                  "saved over it");
+        EXPECT_EQ(printedBy([&config] { EXPECT_FALSE(config.SaveConfig()); }),
+                  "[SaveConfig]-114: save config failed\nsettings: " + path +
+                      " is not written: it holds what could not be kept\n");
+    }
+    chmod(scratch.path().c_str(), 0755);
+    EXPECT_EQ(scratch.get("ini"), "# mine\n");
+    EXPECT_TRUE(config.SaveConfig());
+    EXPECT_EQ(scratch.get("ini.before"), "# mine\n");
 }
 
 TEST(WholeFile, KeepsTheOldTextWhenTheDiskTakesNoMore) {
