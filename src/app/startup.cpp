@@ -105,14 +105,16 @@ void resetAddresses() {
     setOutIp(localip.copy());
 }
 
-/// The map lines; the last one is not empty.
+/// The map lines up to the last one that is not empty.
 std::vector<std::string> mapLines(const SoftwareConfig& config) {
-    std::vector<std::string> lines;
-    for (unsigned index = kFirstMapIndex; index < kSettingCount; ++index) {
-        lines.push_back(config.GetConfig(index));
+    unsigned end = kSettingCount;
+    while (end > kFirstMapIndex && config.GetConfig(end - 1).empty()) {
+        --end;
     }
-    while (!lines.empty() && lines.back().empty()) {
-        lines.pop_back();
+    std::vector<std::string> lines;
+    lines.reserve(end - kFirstMapIndex);
+    for (unsigned index = kFirstMapIndex; index < end; ++index) {
+        lines.push_back(config.GetConfig(index));
     }
     return lines;
 }

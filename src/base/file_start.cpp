@@ -14,6 +14,12 @@
 
 #include "base/descriptor.h"
 
+namespace {
+
+constexpr std::size_t kChunk = 65536;
+
+}  // namespace
+
 FileText readFileStart(const std::string& path, std::size_t limit) {
     const Descriptor fd(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
@@ -26,11 +32,13 @@ FileText readFileStart(const std::string& path, std::size_t limit) {
     if (!S_ISREG(info.st_mode)) {
         return {FileState::kNotRegular, {}};
     }
-    constexpr std::size_t kChunk = 65536;
+    // A file of the kernel's tells no size.
+    const auto size = static_cast<std::size_t>(info.st_size);
+    const std::size_t chunk = size > 0 ? std::min(size + 1, kChunk) : kChunk;
     std::string text;
     while (text.size() < limit) {
         const std::size_t have = text.size();
-        text.resize(have + std::min(kChunk, limit - have));
+        text.resize(have + std::min(chunk, limit - have));
         const ssize_t count = ::read(fd, text.data() + have, text.size() - have);
         text.resize(have + (count > 0 ? static_cast<std::size_t>(count) : 0));
         if (count == 0) {
