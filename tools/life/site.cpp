@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <latch>
@@ -296,7 +297,7 @@ void plot(const char* what, const std::vector<Step>& steps, double (*value)(cons
     }
     std::printf("\n%s\n", what);
     for (const Step& step : steps) {
-        const auto length = static_cast<std::size_t>(value(step) / most * kLongest + 0.5);
+        const auto length = static_cast<std::size_t>(std::lround(value(step) / most * kLongest));
         std::printf("%3zu |%s %.1f\n", step.consoles, std::string(length, '#').c_str(),
                     value(step));
     }

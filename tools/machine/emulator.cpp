@@ -30,11 +30,11 @@ std::vector<std::string> emulatorCommand(const EmulatorPlan& plan) {
         add({"-virtfs", "local,mount_tag=disk,security_model=passthrough,path=" + plan.disk});
     }
     if (!plan.flash.empty()) {
-        add({"-blockdev", "driver=file,node-name=image,filename=" + plan.flash, "-blockdev",
-             "driver=file,node-name=writes,filename=" + plan.writes, "-blockdev",
-             "driver=blklogwrites,node-name=flash,file=image,log=writes,log-super-update-interval="
-             "1",
-             "-device", "virtio-blk-pci,drive=flash"});
+        const std::string told = "driver=blklogwrites,node-name=flash,file=image,log=writes";
+        add({"-blockdev", "driver=file,node-name=image,filename=" + plan.flash});
+        add({"-blockdev", "driver=file,node-name=writes,filename=" + plan.writes});
+        add({"-blockdev", told + ",log-super-update-interval=1"});
+        add({"-device", "virtio-blk-pci,drive=flash"});
     }
     const std::string serial = plan.arm ? "ttyAMA0" : "ttyS0";
     add({"-m", "256", "-kernel", plan.kernel, "-initrd", plan.initramfs, "-append",
