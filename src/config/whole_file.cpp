@@ -25,30 +25,14 @@
 
 #include "base/descriptor.h"
 #include "base/file_start.h"
+#include "config/safe_write.h"
 
 namespace {
-
-constexpr std::string_view kTemporary = ".tmp-XXXXXX";
 
 struct Free {
     void operator()(char* text) const { std::free(text); }
     void operator()(DIR* directory) const { closedir(directory); }
 };
-
-struct FileKind {
-    bool regular = false;
-    mode_t permissions = 0;
-    uid_t owner = 0;
-    gid_t group = 0;
-};
-
-std::optional<FileKind> kindOf(const std::string& path) {
-    struct stat info {};
-    if (stat(path.c_str(), &info) != 0) {
-        return std::nullopt;
-    }
-    return FileKind{S_ISREG(info.st_mode), info.st_mode & 0777, info.st_uid, info.st_gid};
-}
 
 /// The file that `path` leads to; of a link whose file is not there yet, the file that it names.
 std::string resolved(const std::string& path) {
@@ -74,23 +58,6 @@ bool isOfOurNaming(std::string_view ending) {
                                              [](unsigned char c) { return std::isalnum(c) != 0; });
 }
 
-/// The result of a call that a file system may not know or not allow: that is no failure.
-bool doneOrNotKnown(int result) {
-    return result == 0 || errno == EINVAL || errno == EPERM || errno == ENOTSUP;
-}
-
-bool writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = ::write(fd, text.data(), text.size());
-        if (count > 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// True when the failure lies with the directory and not with the disk: writing in place can help,
 /// where on a full disk it would lose the old text.
 bool directoryRefuses(int error) {
@@ -102,38 +69,6 @@ bool directoryRefuses(int error) {
 bool hasRoomFor(int fd, std::size_t size) {
     return size == 0 || fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 ||
            errno == EOPNOTSUPP || errno == ENOSYS;
-}
-
-void syncDirectory(const std::string& directory) {
-    const Descriptor fd(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    fsync(fd);
-}
-
-/// A text on the disk that has not its name yet.
-struct Temporary {
-    std::string name;       ///< empty when there is none
-    bool complete = false;  ///< all of it is there
-    int error = 0;          ///< errno of what failed
-};
-
-/// Writes `text` beside `target`, with owner and permissions of `like`.
-Temporary writeTemporary(const std::string& target, const std::string& text,
-                         const std::optional<FileKind>& like) {
-    Temporary temporary{target + std::string(kTemporary)};
-    Descriptor fd(mkostemp(temporary.name.data(), O_CLOEXEC));
-    if (fd < 0) {
-        return {"", false, errno};
-    }
-    const bool written = writeAll(fd, text) &&
-                         (!like || doneOrNotKnown(fchown(fd, like->owner, like->group))) &&
-                         doneOrNotKnown(fchmod(fd, like ? like->permissions : mode_t{0644})) &&
-                         doneOrNotKnown(fsync(fd));
-    temporary.error = written ? 0 : errno;
-    temporary.complete = fd.close() && written;
-    if (written && !temporary.complete) {
-        temporary.error = errno;
-    }
-    return temporary;
 }
 
 }  // namespace
