@@ -159,26 +159,39 @@ WholeFile::Edited WholeFile::takeEdited() {
 }
 
 /// The file itself is read: an edit within the grain of the time stamps would not be seen in them.
+FileText WholeFile::read(const std::string& target, const std::string& text, Last& last) {
+    constexpr std::size_t kLargest = std::size_t{1} << 25;
+    const auto newestOrder = [this] {
+        return newest_.with([](const Saved& newest) { return newest.order; });
+    };
+    FileText file;
+    std::uint64_t before = 0;
+    do {
+        before = newestOrder();
+        file = readFileStart(target, kLargest);
+        newest_.with([&](const Saved& newest) {
+            last = {!newest.text.empty(), file.text == newest.text, text == newest.text,
+                    newest.isFlushed};
+        });
+    } while (newestOrder() != before);
+    return file;
+}
+
 bool WholeFile::isLeftAlone(const std::string& target, const std::string& text,
                             std::uint64_t order) {
-    constexpr std::size_t kLargest = std::size_t{1} << 25;
-    Saved last;
-    FileText file;
-    do {
-        last = newest_.copy();
-        file = readFileStart(target, kLargest);
-    } while (newest_.with([](const Saved& newest) { return newest.order; }) != last.order);
+    Last last;
+    const FileText file = read(target, text, last);
     if (file.state != FileState::kRead) {
         return false;
     }
     if (file.text != text) {
-        const bool isEdited = !last.text.empty() && file.text != last.text && !file.text.empty();
-        if (isEdited && text != last.text) {
+        const bool isEdited = last.isKnown && !last.isInTheFile && !file.text.empty();
+        if (isEdited && !last.isTheText) {
             edited_.set({true, keep(file.text)});
         }
-        return isEdited && text == last.text;
+        return isEdited && last.isTheText;
     }
-    if (last.text != text || !last.isFlushed) {
+    if (!last.isTheText || !last.isFlushed) {
         const Descriptor fd(open(target.c_str(), O_RDONLY | O_CLOEXEC));
         if (fd < 0 || !doneOrNotKnown(fsync(fd))) {
             return false;  // somebody else's text may not be on the disk yet

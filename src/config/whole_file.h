@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/file_start.h"
 #include "base/guarded.h"
 #include "base/shared.h"
 
@@ -66,6 +67,11 @@ class WholeFile {
         bool isFlushed = false;  ///< it is sure to be on the disk
     };
 
+    /// How the file and a text stand to what was read or written last.
+    struct Last {
+        bool isKnown = false, isInTheFile = false, isTheText = false, isFlushed = false;
+    };
+    FileText read(const std::string& target, const std::string& text, Last& last);
     bool isLeftAlone(const std::string& target, const std::string& text, std::uint64_t order);
     Renamed renameOver(const std::string& temporary, const std::string& target,
                        const std::string& text, std::uint64_t order);
