@@ -6,13 +6,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <stdexcept>
 
 #include "app/ending.h"
 #include "app/inputevent.h"
 #include "app/log_output.h"
 #include "app/single.h"
 #include "app/startup.h"
+#include "app/user_list.h"
 #include "base/path_prefix.h"
 #include "base/singleton.h"
 #include "base/state.h"
@@ -147,8 +147,8 @@ int main(int argc, char** argv) {
     startLogWriter();
     try {
         startUp(*events);
-    } catch (const std::out_of_range&) {
-        std::puts("ip.txt: an empty line between IP{ and }: the console cannot start");
+    } catch (const UnusableUserList& problem) {
+        std::printf("%s: the console cannot start\n", problem.what());
         return kUnusableFile;
     }
     TimeCheckKeyEvent(events->forInput);

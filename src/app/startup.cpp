@@ -15,6 +15,7 @@
 #include "base/shell.h"
 #include "base/singleton.h"
 #include "base/state.h"
+#include "base/text.h"
 #include "base/thread.h"
 #include "config/software_config.h"
 #include "control/command_channel.h"
@@ -71,17 +72,11 @@ void learnLocalAddress() {
     std::printf("locak Ip=%s\n", text.c_str());
 }
 
-void printUnlessEmpty(const std::string& line) {
-    if (!line.empty()) {
-        std::puts(line.c_str());
-    }
-}
-
 /// Reads, prints and writes back the settings, which adds missing keys with their defaults.
 void loadSettings(SoftwareConfig& config) {
     config.ReadConfig();
     config.PrintConfig();
-    const std::string lost = config.keepWhatWouldBeLost();
+    const std::string lost = config.keepFile(config.lostByASave());
     config.SaveConfig();
     printUnlessEmpty(lost);
     const std::string text = config.GetConfig(kServerPortIndex);
@@ -122,12 +117,11 @@ std::vector<std::string> mapLines(const SoftwareConfig& config) {
 /// Tells what became of the map lines, and keeps the file when a save would lose some of them.
 void tellWall(SoftwareConfig& config, LoadedWall loaded) {
     loaded.wall = outInfo_.copy();
-    for (const std::string& line : describe(loaded, localip.copy().view())) {
+    const WallNotes notes = describe(loaded, localip.copy().view());
+    for (const std::string& line : notes.lines) {
         std::puts(line.c_str());
     }
-    if (const std::string lost = notCarriedOver(loaded); !lost.empty()) {
-        printUnlessEmpty(config.keepWhatWouldBeLost(lost));
-    }
+    printUnlessEmpty(config.keepFile(notes.lost));
 }
 
 void loadWall(SoftwareConfig& config) {

@@ -17,7 +17,9 @@ UserList parseUserList(std::string_view text) {
     for (std::string& line : lines) {
         if (!inGroup) {
             inGroup = line == "IP{";
-        } else if (line.at(0) == '}') {
+        } else if (line.empty()) {
+            throw UnusableUserList();
+        } else if (line[0] == '}') {
             inGroup = false;
         } else if (!AddressText::fits(line)) {
             list.tooLong.push_back(std::move(line));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,8 +19,13 @@ struct UserList {
     std::vector<std::string> tooLong;    ///< those of AddressText::kSize characters or more
 };
 
+/// An empty line inside a group, which ends the process.
+struct UnusableUserList : std::out_of_range {
+    UnusableUserList() : out_of_range("ip.txt: an empty line between IP{ and }") {}
+};
+
 /// Reads the list's text; a group that is open at the end ends there. An empty line inside a group
-/// raises std::out_of_range. Pure, any thread.
+/// raises UnusableUserList. Pure, any thread.
 UserList parseUserList(std::string_view text);
 
 /// Fills user_ip and user_n from ./ip.txt when it exists; on a problem user_n is 0 and one line

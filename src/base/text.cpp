@@ -58,6 +58,12 @@ void SplitString(const std::string& text, std::vector<std::string>& pieces,
     }
 }
 
+void printUnlessEmpty(const std::string& line) {
+    if (!line.empty()) {
+        std::puts(line.c_str());
+    }
+}
+
 std::int32_t str2int(const std::string& text) {
     if (text.empty()) {
         return -1;

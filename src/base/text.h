@@ -16,6 +16,9 @@ std::string withoutControls(std::string_view text);
 /// True when it is the same.
 bool hasNoControls(std::string_view text);
 
+/// Prints `line` with its end, unless it is empty. Any thread.
+void printUnlessEmpty(const std::string& line);
+
 /// The decimal number at the start of `text` (an optional minus sign, then digits; what follows is
 /// ignored). -1 when the text does not start so; the largest or smallest value on overflow. Any
 /// thread.

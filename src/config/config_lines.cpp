@@ -103,9 +103,8 @@ unsigned stopOf(const Found& found) {
     return static_cast<unsigned>(std::ranges::find_if(found, missing) - found.begin());
 }
 
-/// What reading leaves out because a key is missing before it.
-std::string behindTheStop(const Found& found) {
-    const unsigned stop = stopOf(found);
+/// What reading leaves out because the key of setting `stop` is missing.
+std::string behindTheStop(const Found& found, unsigned stop) {
     std::vector<unsigned> behind;
     for (unsigned index = stop; index < kSettingCount; ++index) {
         if (found[index] && !found[index]->empty()) {
@@ -117,11 +116,11 @@ std::string behindTheStop(const Found& found) {
                                 linesAre(nameOf(behind.front()), behind.size()) + " not used";
 }
 
-/// True when `line` is one setting and nothing else.
-bool isSetting(std::string_view line) {
+/// The setting that `line` is; nothing when it is none, or more than that.
+std::optional<unsigned> settingOf(std::string_view line) {
     const std::size_t equals = line.find('=');
-    return equals != line.npos && indexAtEnd(line.substr(0, equals + 1)) &&
-           line.starts_with(settingKey(*indexAtEnd(line.substr(0, equals + 1))));
+    const auto index = equals == line.npos ? std::nullopt : indexAtEnd(line.substr(0, equals + 1));
+    return index && line.starts_with(settingKey(*index)) ? index : std::nullopt;
 }
 
 }  // namespace
@@ -154,8 +153,8 @@ std::string linesAre(const std::string& first, std::size_t count) {
 
 std::string notCarriedOver(std::string_view text, std::string_view saved) {
     const Found found = findIn(text);
-    std::string why = behindTheStop(found);
     const unsigned stop = stopOf(found);
+    std::string why = behindTheStop(found, stop);
     std::unordered_set<std::string_view> kept;
     forEachLine(saved, [&kept](std::string_view line) { kept.insert(line); });
     std::string_view first;
@@ -163,10 +162,9 @@ std::string notCarriedOver(std::string_view text, std::string_view saved) {
     forEachLine(text, [&](std::string_view line) {
         const bool isBlank = line.find_first_not_of(" \t") == line.npos;
         // A key alone says nothing; one behind the stop is told as such.
-        const bool isKeyAlone = line.ends_with('=') && isSetting(line);
-        const bool isBehind =
-            isSetting(line) && indexAtEnd(line.substr(0, line.find('=') + 1)) >= stop;
-        if (!isBlank && !isKeyAlone && !isBehind && !kept.contains(line)) {
+        const auto setting = settingOf(line);
+        const bool isToldOrEmpty = setting && (*setting >= stop || line.ends_with('='));
+        if (!isBlank && !isToldOrEmpty && !kept.contains(line)) {
             first = count++ == 0 ? line : first;
         }
     });

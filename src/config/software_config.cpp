@@ -90,22 +90,23 @@ void SoftwareConfig::refuse(const char* problem, bool isRegular) {
         std::printf("%s %s: no settings loaded, file kept as %s.refused\n", path_.c_str(), problem,
                     path_.c_str());
     } else {
-        keepFile_ = true;
+        mayNotSave_ = true;
         std::printf("%s %s: no settings loaded, nothing will be saved over it\n", path_.c_str(),
                     problem);
     }
 }
 
-std::string SoftwareConfig::keepWhatWouldBeLost(std::string why) {
-    if (why.empty()) {
-        why = notCarriedOver(
-            read_, table_.with([](const Table& table) { return settingsText(table.values); }));
-    }
+std::string SoftwareConfig::lostByASave() const {
+    return notCarriedOver(
+        read_, table_.with([](const Table& table) { return settingsText(table.values); }));
+}
+
+std::string SoftwareConfig::keepFile(const std::string& why) {
     if (why.empty() || read_.empty()) {
         return "";
     }
     const auto kept = file_.keep(read_);
-    keepFile_ = keepFile_ || !kept;
+    mayNotSave_ = mayNotSave_ || !kept;
     return "settings: " + why +
            (kept ? "; the file as it was is " + path_ + std::string(*kept)
                  : "; the file cannot be kept, nothing will be saved over it");
@@ -120,13 +121,13 @@ void SoftwareConfig::PrintConfig() const {
 bool SoftwareConfig::SaveConfig() {
     const auto [lines, order] = table_.with(
         [](Table& table) { return std::pair(settingsText(table.values), ++table.copies); });
-    if (keepFile_ && !read_.empty() && file_.keep(read_)) {
-        keepFile_ = false;  // the disk was full, or could not be written to
+    if (mayNotSave_ && !read_.empty() && file_.keep(read_)) {
+        mayNotSave_ = false;  // the disk was full, or could not be written to
     }
-    if (keepFile_ || !file_.replace(lines, order)) {
+    if (mayNotSave_ || !file_.replace(lines, order)) {
         std::printf("[%s]-%d: save config failed\n", "SaveConfig", 114);
         std::printf("settings: %s is not written: %s\n", path_.c_str(),
-                    keepFile_ ? "it holds what could not be kept" : std::strerror(file_.error()));
+                    mayNotSave_ ? "it holds what could not be kept" : std::strerror(file_.error()));
         return false;
     }
     std::printf("[%s]-%d: save config succeed\n", "SaveConfig", 110);

@@ -27,11 +27,14 @@ class SoftwareConfig {
     /// one line, changes nothing and is set aside with ".refused" behind its name.
     bool ReadConfig();
 
-    /// Keeps the file that was read beside it when the next save would not carry over all of it
-    /// (WholeFile::keep), or would lose it for `why` (a reason in words). Returns the line that
-    /// tells it, without its end; empty when nothing is lost. Where it cannot be kept, nothing will
-    /// be saved over it.
-    std::string keepWhatWouldBeLost(std::string why = {});
+    /// What a save would not carry over of the file that was read, in words; empty when it is
+    /// nothing.
+    std::string lostByASave() const;
+
+    /// Keeps the file that was read beside it (WholeFile::keep) for `why`, as lostByASave tells it.
+    /// Returns the line that tells it, without its end; empty when nothing is lost. Where it cannot
+    /// be kept, nothing will be saved over it.
+    std::string keepFile(const std::string& why);
 
     /// Prints the lines that SaveConfig writes.
     void PrintConfig() const;
@@ -69,6 +72,6 @@ class SoftwareConfig {
     std::string read_;  ///< the file as it was; not changed once there are threads
     Guarded<Table> table_;
     Shared<std::int32_t> outNum_{0};
-    Shared<bool> keepFile_{false};  ///< what stands in the file could not be kept elsewhere
+    Shared<bool> mayNotSave_{false};  ///< what stands in the file could not be kept elsewhere
     WholeFile file_;
 };

@@ -18,6 +18,10 @@ struct MapEntry {
     std::optional<std::string> port;  ///< text of the fourth field
 };
 
+constexpr std::uint32_t keyOf(const MapEntry& entry) {
+    return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
+}
+
 /// The fields of one entry; what is missing keeps its initial value.
 MapEntry parseMapEntry(std::string_view entry);
 

@@ -1,10 +1,8 @@
 #include "remote/source_query.h"
 
-#include <cstdio>
-#include <string>
-
 #include "base/log_queue.h"
 #include "base/state.h"
+#include "base/text.h"
 #include "base/waiting.h"
 #include "base/work_bound.h"
 #include "net/udp_socket.h"
@@ -17,12 +15,6 @@ namespace {
 constexpr std::int64_t kQueryPeriodMicroseconds = 5'000'000;
 constexpr std::int64_t kQuerySlackMicroseconds = 200'000;
 constexpr unsigned kViPort = 19358;
-
-void tell(const std::string& line) {
-    if (!line.empty()) {
-        std::puts(line.c_str());
-    }
-}
 
 }  // namespace
 
@@ -38,7 +30,7 @@ void* viThr(void* /*unused*/) {
         if (!box.empty() && !box.view().starts_with(AddressText::kNone)) {
             bound.begin();
             if (const auto asked = askPeriodically()) {
-                tell(presence.note(asked->box, asked->answered));
+                printUnlessEmpty(presence.note(asked->box, asked->answered));
             }
             bound.end();
         }

@@ -41,10 +41,6 @@ bool isOnWallGrid(const MapEntry& entry) {
     return true;
 }
 
-std::uint32_t keyOf(const MapEntry& entry) {
-    return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
-}
-
 }  // namespace
 
 WallDraft draftOfWall() { return {outInfo_.copy(), std::nullopt}; }

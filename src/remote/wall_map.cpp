@@ -16,10 +16,6 @@
 
 namespace {
 
-std::uint32_t keyOf(const MapEntry& entry) {
-    return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
-}
-
 /// One entry of "out" text. False when it has no name, which ends the text.
 bool setScreen(WallDraft& draft, const std::string& text) {
     const MapEntry entry = takeEntry(draft, text);

@@ -10,10 +10,6 @@
 
 namespace {
 
-std::uint32_t keyOf(const MapEntry& entry) {
-    return gridKey(static_cast<std::uint32_t>(entry.x), static_cast<std::uint32_t>(entry.y));
-}
-
 std::string at(std::uint32_t key) {
     return std::to_string(gridColumn(key)) + ',' + std::to_string(gridRow(key));
 }
@@ -79,18 +75,18 @@ std::size_t usedLines(const LoadedWall& loaded) {
     return loaded.isUsed ? static_cast<std::size_t>(end - loaded.lines.begin()) : 0;
 }
 
-std::vector<Unkept> allUnkept(const LoadedWall& loaded) {
+std::vector<Unkept> allUnkept(const LoadedWall& loaded, std::size_t used) {
     std::vector<Unkept> all;
-    for (std::size_t n = 0; n < usedLines(loaded); ++n) {
+    for (std::size_t n = 0; n < used; ++n) {
         std::ranges::move(unkeptOf(loaded.wall, loaded.lines[n]), std::back_inserter(all));
     }
     return all;
 }
 
-/// Lines that nobody reads.
-std::string unusedLines(const LoadedWall& loaded) {
+/// Lines that nobody reads: those behind the `used` ones.
+std::string unusedLines(const LoadedWall& loaded, std::size_t used) {
     std::vector<std::size_t> unused;
-    for (std::size_t n = usedLines(loaded); n < loaded.lines.size(); ++n) {
+    for (std::size_t n = used; n < loaded.lines.size(); ++n) {
         if (!loaded.lines[n].empty()) {
             unused.push_back(n);
         }
@@ -99,6 +95,16 @@ std::string unusedLines(const LoadedWall& loaded) {
                ? ""
                : (loaded.isUsed ? "behind an empty map line, " : "kOutNum is 0, so ") +
                      linesAre("kOutIpmap" + std::to_string(unused[0]), unused.size()) + " not used";
+}
+
+/// What a save loses: the lines that nobody reads and the entries that it would not write so.
+std::string lostBy(std::string unused, const std::vector<Unkept>& unkept) {
+    if (unkept.empty()) {
+        return unused;
+    }
+    return unused + (unused.empty() ? "\"" : "; \"") + unkept[0].text + "\" " +
+           (unkept.size() == 1 ? "is" : "and " + std::to_string(unkept.size() - 1) + " more are") +
+           " not kept";
 }
 
 /// The screen where a console with that address is; screens.end() when it is on none.
@@ -217,31 +223,22 @@ std::vector<std::string> screensApart(const outInf& wall, std::string_view conso
 
 }  // namespace
 
-std::vector<std::string> describe(const LoadedWall& loaded, std::string_view console) {
-    std::vector<std::string> lines{summary(loaded, console)};
+WallNotes describe(const LoadedWall& loaded, std::string_view console) {
+    const std::size_t used = usedLines(loaded);
+    const std::vector<Unkept> unkept = allUnkept(loaded, used);
+    const std::string unused = unusedLines(loaded, used);
     std::vector<std::string> dropped;
-    for (const Unkept& entry : allUnkept(loaded)) {
+    for (const Unkept& entry : unkept) {
         if (!entry.reason.empty()) {
             dropped.push_back(entry.text + ": " + entry.reason);
         }
     }
-    append(lines, "not taken: ", dropped);
-    const std::string unused = unusedLines(loaded);
-    append(lines, "note: ", unused.empty() ? std::vector<std::string>{} : std::vector{unused});
-    append(lines, "note: ", sharedRecords(loaded.wall));
-    append(lines, "note: ", alikeScreens(loaded.wall));
-    append(lines, "note: ", screensApart(loaded.wall, console));
-    return lines;
-}
-
-std::string notCarriedOver(const LoadedWall& loaded) {
-    std::string why = unusedLines(loaded);
-    const auto unkept = allUnkept(loaded);
-    if (!unkept.empty()) {
-        why +=
-            (why.empty() ? "\"" : "; \"") + unkept[0].text + "\" " +
-            (unkept.size() == 1 ? "is" : "and " + std::to_string(unkept.size() - 1) + " more are") +
-            " not kept";
-    }
-    return why;
+    WallNotes notes{{summary(loaded, console)}, lostBy(unused, unkept)};
+    append(notes.lines, "not taken: ", dropped);
+    append(notes.lines,
+           "note: ", unused.empty() ? std::vector<std::string>{} : std::vector{unused});
+    append(notes.lines, "note: ", sharedRecords(loaded.wall));
+    append(notes.lines, "note: ", alikeScreens(loaded.wall));
+    append(notes.lines, "note: ", screensApart(loaded.wall, console));
+    return notes;
 }

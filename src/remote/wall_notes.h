@@ -15,12 +15,15 @@ struct LoadedWall {
     outInf wall;
 };
 
-/// One line on the wall and on this console's place in it; one "not taken:" for each entry that was
-/// dropped, with the reason; one "note:" for what is taken and may surprise. At most 10 of a kind,
-/// then one that counts the rest.
-std::vector<std::string> describe(const LoadedWall& loaded, std::string_view console);
+struct WallNotes {
+    /// One line on the wall and on this console's place in it; one "not taken:" for each entry that
+    /// was dropped, with the reason; one "note:" for what is taken and may surprise. At most 10 of
+    /// a kind, then one that counts the rest.
+    std::vector<std::string> lines;
+    /// What the first save of the wall would not carry over of the map lines, in words; empty when
+    /// it is nothing: entries that were not taken, their fourth fields, lines behind an empty one,
+    /// all of them when kOutNum is 0.
+    std::string lost;
+};
 
-/// What the first save of the wall would not carry over of the lines, in words; empty when it is
-/// nothing: entries that were not taken, their fourth fields, lines behind an empty one, all of
-/// them when kOutNum is 0.
-std::string notCarriedOver(const LoadedWall& loaded);
+WallNotes describe(const LoadedWall& loaded, std::string_view console);

@@ -21,6 +21,19 @@ using ::testing::StartsWith;
 
 class Startup : public Console {};
 
+struct Ended {
+    int status;
+    std::string text;
+};
+
+/// What a command printed, and how it ended.
+Ended ended(const std::string& command) {
+    std::FILE* const program = popen(command.c_str(), "r");
+    std::string text(10'000, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), program));
+    return {WEXITSTATUS(pclose(program)), text};
+}
+
 }  // namespace
 
 TEST_F(Startup, WholeLogIsTheGoldenFile) {
@@ -58,12 +71,10 @@ TEST_F(Startup, UnusableFilesCostOneLineEach) {
 
 TEST_F(Startup, AUserListWithAnEmptyLineEndsItWithAStatusOfItsOwn) {
     world().board.write("work/ip.txt", "IP{\r\n10.0.0.5\r\n\r\n}\r\n");
-    const std::string command = "cd " + board().work().string() + " && exec timeout 10 " +
-                                rig::Daemon::programPath() + " --root " + board().root().string();
-    std::FILE* program = popen(command.c_str(), "r");
-    std::string text(10'000, '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), program));
-    EXPECT_EQ(WEXITSTATUS(pclose(program)), 78);
+    const auto [status, text] =
+        ended("cd " + board().work().string() + " && exec timeout 10 " +
+              rig::Daemon::programPath() + " --root " + board().root().string());
+    EXPECT_EQ(status, 78);
     EXPECT_TRUE(
         text.ends_with("ip.txt: an empty line between IP{ and }: the console cannot start\n"))
         << text;
@@ -192,14 +203,10 @@ TEST_F(Startup, RunsWithoutStandardStreamsAndWritesNoLineElsewhere) {
 TEST_F(Startup, ASecondConsoleEndsAtOnceAndTheFirstGoesOn) {
     start();
     const rig::Board other;
-    const std::string command = "exec timeout 10 " + rig::Daemon::programPath() + " --root " +
-                                other.root().string() + " 2>&1";
-    std::FILE* second = popen(command.c_str(), "r");
-    std::array<char, 200> text{};
-    EXPECT_NE(std::fgets(text.data(), text.size(), second), nullptr);
-    EXPECT_STREQ(text.data(), "tavrik: another console runs in this network namespace\n");
-    EXPECT_EQ(std::fgets(text.data(), text.size(), second), nullptr) << text.data();
-    EXPECT_EQ(WEXITSTATUS(pclose(second)), 1);
+    const auto [status, text] = ended("exec timeout 10 " + rig::Daemon::programPath() + " --root " +
+                                      other.root().string() + " 2>&1");
+    EXPECT_EQ(text, "tavrik: another console runs in this network namespace\n");
+    EXPECT_EQ(status, 1);
     send("KVMQUIT");
     expectLine("kvm quit");
 }
@@ -223,13 +230,9 @@ TEST(CommandLine, OptionsAreAnsweredInOneGo) {
                 {"--allow-control 10.0.0.0/33", 2,
                  "tavrik: --allow-control needs an address or address/bits\n"}};
     for (const auto& row : rows) {
-        const std::string command = rig::Daemon::programPath() + " " + row.arguments + " 2>&1";
-        std::FILE* program = popen(command.c_str(), "r");
-        ASSERT_NE(program, nullptr);
-        std::array<char, 4096> text{};
-        const std::size_t got = std::fread(text.data(), 1, text.size() - 1, program);
-        const int status = pclose(program);
-        EXPECT_EQ(WEXITSTATUS(status), row.status) << row.arguments;
-        EXPECT_THAT(std::string(text.data(), got), StartsWith(row.begins)) << row.arguments;
+        const auto [status, text] =
+            ended(rig::Daemon::programPath() + " " + row.arguments + " 2>&1");
+        EXPECT_EQ(status, row.status) << row.arguments;
+        EXPECT_THAT(text, StartsWith(row.begins)) << row.arguments;
     }
 }

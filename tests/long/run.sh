@@ -1,5 +1,5 @@
 #!/bin/bash
-# run.sh: what is tried for longer than a test may take, in half an hour: the laws, a person at a console who does
+# run.sh: what is tried for longer than a test may take, in under 40 minutes: the laws, a person at a console who does
 # anything at all, the storm under the thread sanitizer, a whole site, a soak, the fuzzers, the target.
 # run.sh --short: some minutes of it. run.sh --soak HOURS: one console at human speed for so long.
 set -euo pipefail

@@ -255,8 +255,7 @@ void Person::plug() {
         hold(usual, usual == kKeyboard ? KEY_F : BTN_LEFT);
         rest();
         held_.erase(usual);
-        world_.board.emitPart(
-            usual);  // who has it open hears that it goes; its lines may come back
+        world_.board.emitPart(usual);  // who has it open hears that it goes
         world_.board.unplug(usual);
         rest();
         world_.plug({usual == kKeyboard ? rig::Kind::kKeyboard : rig::Kind::kMouse, usual, ""});

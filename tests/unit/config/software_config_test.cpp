@@ -134,7 +134,7 @@ TEST(SoftwareConfig, KeepsTheFileOfWhichASaveWouldLoseSomething) {
         config.ReadConfig();
         const std::string line =
             why.empty() ? "" : "settings: " + why + "; the file as it was is " + path + ".before";
-        EXPECT_EQ(config.keepWhatWouldBeLost(), line) << text;
+        EXPECT_EQ(config.keepFile(config.lostByASave()), line) << text;
         EXPECT_TRUE(config.SaveConfig());
         EXPECT_EQ(scratch.get("ini.before"), why.empty() ? "" : text);
         EXPECT_EQ(std::filesystem::exists(path + ".before"), !why.empty());

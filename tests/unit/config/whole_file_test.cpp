@@ -179,7 +179,7 @@ TEST(WholeFile, NothingIsSavedOverSettingsThatCannotBeKeptYet) {
     chmod(scratch.path().c_str(), 0555);
     {
         const Unprivileged user;
-        EXPECT_EQ(config.keepWhatWouldBeLost(),
+        EXPECT_EQ(config.keepFile(config.lostByASave()),
                   "settings: \"# mine\" is not kept; the file cannot be kept, nothing will be "
                   "saved over it");
         EXPECT_EQ(printedBy([&config] { EXPECT_FALSE(config.SaveConfig()); }),

@@ -62,20 +62,20 @@ TEST_F(WallNotes, TellWhatWasMadeOfTheLines) {
          ""},
     };
     for (const auto& [lines, told, why] : rows) {
-        const LoadedWall loaded = load(lines);
-        EXPECT_EQ(describe(loaded, "10.0.0.1"), told);
-        EXPECT_EQ(notCarriedOver(loaded), why);
+        const auto notes = describe(load(lines), "10.0.0.1");
+        EXPECT_EQ(notes.lines, told);
+        EXPECT_EQ(notes.lost, why);
     }
-    const LoadedWall unused = load({"", "", kGood, kGood}, false);
+    const auto unused = describe(load({"", "", kGood, kGood}, false), "10.0.0.1");
     const std::string why = "kOutNum is 0, so kOutIpmap2 and 1 more line are not used";
-    EXPECT_EQ(describe(unused, "10.0.0.1"), (Lines{"no wall: kOutNum is 0", "note: " + why}));
-    EXPECT_EQ(notCarriedOver(unused), why);
-    EXPECT_EQ(describe(load({std::string(100, '#') + "0,0,a"}), "").size(), 2U);
+    EXPECT_EQ(unused.lines, (Lines{"no wall: kOutNum is 0", "note: " + why}));
+    EXPECT_EQ(unused.lost, why);
+    EXPECT_EQ(describe(load({std::string(100, '#') + "0,0,a"}), "").lines.size(), 2U);
     std::string crowded = "0,0,10.0.0.1#0,0,10.0.1.1";
     for (int i = 0; i < 30; ++i) {
         crowded += "#0,0,b";
     }
-    EXPECT_EQ(describe(load({crowded}), "10.0.0.1").back(), "not taken: 20 more");
+    EXPECT_EQ(describe(load({crowded}), "10.0.0.1").lines.back(), "not taken: 20 more");
 }
 
 }  // namespace
