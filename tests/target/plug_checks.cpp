@@ -100,20 +100,28 @@ void checkPanels(Console& console) {
     }
 }
 
-/// A keyboard whose node could not be opened goes and comes while nobody looks: the listing's lines
-/// are what they were.
-void checkReplacedUnseen(Console& console) {
+/// Another keyboard in the place of the one that is there, while the daemon stands still; then
+/// `command`, and the daemon goes on. The listing's lines are what they were.
+bool replacedUnseen(Console& console, const std::string& command) {
     Machine& machine = console.machine;
     machine.shell("kill -STOP $daemon");
+    machine.skip();
     machine.unplug("kbd0");
+    machine.shell("while grep -q 'USB Keyboard' /proc/bus/input/devices; do usleep 10000; done");
     machine.plug("usb-kbd", "kbd0");
-    machine.shell("usleep 500000; rm $(ls -t /dev/input/event* | head -n 1); kill -CONT $daemon");
-    console.checks.isTrue("a keyboard without its node", console.awaitListening());
-    machine.shell("kill -STOP $daemon");
-    machine.unplug("kbd0");
-    machine.plug("usb-kbd", "kbd0");
-    machine.shell("usleep 500000; kill -CONT $daemon");
-    console.checks.isTrue("  is put back with it", console.awaitListening());
+    machine.shell("until grep -q 'USB Keyboard' /proc/bus/input/devices; do usleep 10000; done");
+    machine.shell(command + "kill -CONT $daemon");
+    return console.awaitListening();
+}
+
+void checkReplacedUnseen(Console& console) {
+    Machine& machine = console.machine;
+    console.checks.isTrue(
+        "a keyboard without its node",
+        replacedUnseen(console,
+                       "rm /dev/input/$(grep -A 4 'USB Keyboard' /proc/bus/input/devices | "
+                       "grep -o 'event[0-9]*'); "));
+    console.checks.isTrue("  is put back with it", replacedUnseen(console, ""));
     machine.skip();
     console.tap("f");
     console.expectBox("  the next key", {"key down F", "keys up"});
@@ -149,7 +157,7 @@ void checkFlapping(Console& console) {
     const std::string told = machine.await("flapped ", std::chrono::seconds(90));
     console.checks.isTrue("a mouse comes and goes ten times a second",
                           told.find(" well ") != told.npos, told);
-    machine.shell("sleep 3");
+    machine.shell("sleep 3");  // the last of them has been listened to
     machine.skip();
     console.tap("h");
     console.expectBox("  the next key", {"key down H", "keys up"});

@@ -181,7 +181,7 @@ std::vector<std::string> Machine::take(std::string_view prefix, std::size_t coun
     return found;
 }
 
-void Machine::skip() { taken_ = lines_.size(); }
+void Machine::skip() { awaited_ = taken_ = lines_.size(); }
 
 std::string Machine::controlLine() {
     const auto until = Clock::now() + kControlLimit;

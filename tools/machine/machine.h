@@ -35,7 +35,7 @@ class Machine {
     /// The next `count` lines that begin with `prefix`, from behind the last ones so taken, without
     /// the prefix; fewer when they do not come within 10 s.
     std::vector<std::string> take(std::string_view prefix, std::size_t count);
-    /// Forgets the lines so far that `take` would give.
+    /// Forgets the lines so far: `await` and `take` count only what comes behind them.
     void skip();
 
     void plug(std::string_view driver, std::string_view id);
