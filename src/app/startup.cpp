@@ -20,13 +20,12 @@
 #include "config/software_config.h"
 #include "control/command_channel.h"
 #include "control/control_port.h"
-#include "control/hotkey_table.h"
+#include "control/loading.h"
 #include "net/local_ip.h"
 #include "net/udp_socket.h"
 #include "remote/current_screen.h"
 #include "remote/handover.h"
 #include "remote/source_query.h"
-#include "remote/wall_map.h"
 #include "remote/wall_notes.h"
 
 namespace {
@@ -72,23 +71,6 @@ void learnLocalAddress() {
     std::printf("locak Ip=%s\n", text.c_str());
 }
 
-/// Reads, prints and writes back the settings, which adds missing keys with their defaults.
-void loadSettings(SoftwareConfig& config) {
-    config.ReadConfig();
-    config.PrintConfig();
-    const std::string lost = config.keepFile(config.lostByASave());
-    config.SaveConfig();
-    printUnlessEmpty(lost);
-    const std::string text = config.GetConfig(kServerPortIndex);
-    const long port = std::strtol(text.c_str(), nullptr, 10);
-    if (port < 0 || port > kMaxPort) {
-        std::printf("no UDP port in kUdpServerPort=%s\n", text.c_str());
-        setInputPort(kDefaultInputPort);
-        return;
-    }
-    setInputPort(static_cast<std::int32_t>(port));
-}
-
 void openInputSocket() {
     auto* socket = new UDPSocket;  // lives as long as the process
     socket->CreateUDPServer(kInputSocketPort, 1, true, true);
@@ -100,23 +82,8 @@ void resetAddresses() {
     setOutIp(localip.copy());
 }
 
-/// The map lines up to the last one that is not empty.
-std::vector<std::string> mapLines(const SoftwareConfig& config) {
-    unsigned end = kSettingCount;
-    while (end > kFirstMapIndex && config.GetConfig(end - 1).empty()) {
-        --end;
-    }
-    std::vector<std::string> lines;
-    lines.reserve(end - kFirstMapIndex);
-    for (unsigned index = kFirstMapIndex; index < end; ++index) {
-        lines.push_back(config.GetConfig(index));
-    }
-    return lines;
-}
-
 /// Tells what became of the map lines, and keeps the file when a save would lose some of them.
-void tellWall(SoftwareConfig& config, LoadedWall loaded) {
-    loaded.wall = outInfo_.copy();
+void tellWall(SoftwareConfig& config, const LoadedWall& loaded) {
     const WallNotes notes = describe(loaded, localip.copy().view());
     for (const std::string& line : notes.lines) {
         std::puts(line.c_str());
@@ -125,21 +92,11 @@ void tellWall(SoftwareConfig& config, LoadedWall loaded) {
 }
 
 void loadWall(SoftwareConfig& config) {
-    const std::int32_t count = settingNumber(config.GetConfig(kOutNumIndex));
-    LoadedWall loaded{mapLines(config), count != 0, {}};
-    std::printf("out number-->%d\n", count);
-    if (count != 0) {
-        for (const std::string& line : loaded.lines) {
-            if (line.empty()) {
-                break;
-            }
-            std::printf("result-->%s\n", line.c_str());
-            CreatOutIpMap(line);
-            startFlag = 0;
-        }
+    const LoadedWall loaded = makeWall(config);
+    if (loaded.isUsed) {
         getCurrentInfo(nullptr, localip.copy().c_str());
     }
-    tellWall(config, std::move(loaded));
+    tellWall(config, loaded);
 }
 
 }  // namespace
@@ -187,8 +144,7 @@ void startUp(inputevent_& events) {
     openInputSocket();
     resetAddresses();
     loadWall(*config);
-    std::string hotkeys = config->GetConfig(kHotkeyMapIndex);
-    createHotKey(hotkeys, false);
+    loadHotkeys(*config);
     openControlSocket(events.forCommands.joinsGroup);
     startThreads(events.forCommands);
 }

@@ -47,10 +47,6 @@ std::optional<unsigned> indexAtEnd(std::string_view head) {
     return mapIndexAtEnd(head);
 }
 
-bool isComment(std::string_view line) {
-    return !line.empty() && (line[0] == '*' || line[0] == '!' || line[0] == ';');
-}
-
 /// Calls `use` with each line, without what ends it.
 template <class Use>
 void forEachLine(std::string_view text, Use use) {
@@ -103,17 +99,12 @@ unsigned stopOf(const Found& found) {
     return static_cast<unsigned>(std::ranges::find_if(found, missing) - found.begin());
 }
 
-/// What reading leaves out because the key of setting `stop` is missing.
-std::string behindTheStop(const Found& found, unsigned stop) {
-    std::vector<unsigned> behind;
-    for (unsigned index = stop; index < kSettingCount; ++index) {
-        if (found[index] && !found[index]->empty()) {
-            behind.push_back(index);
-        }
-    }
-    return behind.empty() ? ""
-                          : "no " + quoted(settingKey(stop)) + ", so " +
-                                linesAre(nameOf(behind.front()), behind.size()) + " not used";
+/// What reading leaves out because a key is missing, in words.
+std::string behindTheStop(const LostLines& lost) {
+    return lost.behind.empty()
+               ? ""
+               : "no " + quoted(settingKey(lost.stop)) + ", so " +
+                     linesAre(nameOf(lost.behind.front()), lost.behind.size()) + " not used";
 }
 
 /// The setting that `line` is; nothing when it is none, or more than that.
@@ -124,6 +115,10 @@ std::optional<unsigned> settingOf(std::string_view line) {
 }
 
 }  // namespace
+
+bool isComment(std::string_view line) {
+    return !line.empty() && (line[0] == '*' || line[0] == '!' || line[0] == ';');
+}
 
 std::string settingKey(unsigned index) {
     if (index < kFirstMapIndex) {
@@ -151,25 +146,41 @@ std::string linesAre(const std::string& first, std::size_t count) {
            (count == 2 ? " more line are" : " more lines are");
 }
 
-std::string notCarriedOver(std::string_view text, std::string_view saved) {
+LostLines lostLines(std::string_view text, std::string_view saved) {
     const Found found = findIn(text);
-    const unsigned stop = stopOf(found);
-    std::string why = behindTheStop(found, stop);
+    LostLines lost;
+    lost.stop = stopOf(found);
+    for (unsigned index = lost.stop; index < kSettingCount; ++index) {
+        if (found[index] && !found[index]->empty()) {
+            lost.behind.push_back(index);
+        }
+    }
     std::unordered_set<std::string_view> kept;
     forEachLine(saved, [&kept](std::string_view line) { kept.insert(line); });
-    std::string_view first;
-    std::size_t count = 0;
+    std::size_t number = 0;
     forEachLine(text, [&](std::string_view line) {
-        const bool isBlank = line.find_first_not_of(" \t") == line.npos;
-        // A key alone says nothing; one behind the stop is told as such.
+        ++number;
         const auto setting = settingOf(line);
-        const bool isToldOrEmpty = setting && (*setting >= stop || line.ends_with('='));
-        if (!isBlank && !isToldOrEmpty && !kept.contains(line)) {
-            first = count++ == 0 ? line : first;
+        const bool saysNothing =
+            line.find_first_not_of(" \t") == line.npos || (setting && line == settingKey(*setting));
+        if (!saysNothing && !kept.contains(line)) {
+            lost.lines.push_back({number, line, setting});
         }
     });
-    if (count > 0) {
-        why += (why.empty() ? "" : "; ") + linesAre(quoted(first), count) + " not kept";
+    return lost;
+}
+
+std::string notCarriedOver(std::string_view text, std::string_view saved) {
+    const LostLines lost = lostLines(text, saved);
+    std::string why = behindTheStop(lost);
+    // A setting behind the stop is told as such.
+    const auto isUntold = [&lost](const LostLine& line) {
+        return !line.setting || *line.setting < lost.stop;
+    };
+    const auto first = std::ranges::find_if(lost.lines, isUntold);
+    if (first != lost.lines.end()) {
+        const auto count = static_cast<std::size_t>(std::ranges::count_if(lost.lines, isUntold));
+        why += (why.empty() ? "" : "; ") + linesAre(quoted(first->text), count) + " not kept";
     }
     return why;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,10 +44,29 @@ std::string settingKey(unsigned index);
 /// into `text`.
 std::vector<std::string_view> settingsIn(std::string_view text);
 
-/// What a file that holds `saved` would not carry over of `text`, in words; empty when it is
-/// nothing: settings behind the one where reading stops, comments, lines that are no settings, what
-/// stands before a key.
+/// A line that a file does not carry over as it stands. Blank lines and empty settings are none.
+struct LostLine {
+    std::size_t number = 0;  ///< from 1
+    std::string_view text;
+    std::optional<unsigned> setting;  ///< the setting that it is, when it is one and nothing more
+};
+
+struct LostLines {
+    unsigned stop = kSettingCount;  ///< the first setting whose key no line has
+    std::vector<unsigned> behind;   ///< settings with a value that are not read for that
+    std::vector<LostLine> lines;    ///< among them those behind the stop
+};
+
+/// What a file that holds `saved` would not carry over of `text`: settings behind the one where
+/// reading stops, comments, lines that are no settings, what stands before a key. The views point
+/// into `text`.
+LostLines lostLines(std::string_view text, std::string_view saved);
+
+/// The same in words; empty when it is nothing.
 std::string notCarriedOver(std::string_view text, std::string_view saved);
+
+/// Whether a line of the file is a comment: it begins with "*", "!" or ";".
+bool isComment(std::string_view line);
 
 /// "NAME is" or "NAME and N more lines are", as the first words of what becomes of so many lines.
 std::string linesAre(const std::string& first, std::size_t count);

@@ -18,12 +18,6 @@ std::string_view addressIn(std::string_view name) { return name.substr(0, name.f
 
 bool isBox(std::string_view name) { return !name.empty() && addressIn(name) != AddressText::kNone; }
 
-/// An entry that a save would not write as it stands.
-struct Unkept {
-    std::string text;
-    std::string reason;  ///< why it was not taken; empty when it was, though without all its fields
-};
-
 /// Why a position of the wall or of a screen does not show what the entry says.
 std::string reasonFor(const MapEntry& entry, const AddressText* there) {
     const std::string range = " is no number from 0 to " + std::to_string(kGridLimit);
@@ -42,11 +36,11 @@ std::string reasonFor(const MapEntry& entry, const AddressText* there) {
     return there->view() == entry.name ? "" : at(keyOf(entry)) + " is " + there->c_str();
 }
 
-/// The entries of a map line that the wall has not as they are written.
-std::vector<Unkept> unkeptOf(const outInf& wall, const std::string& line) {
-    std::vector<Unkept> unkept;
+/// Appends the entries of map line `n` that the wall has not as they are written.
+void appendUnkept(const LoadedWall& loaded, std::size_t n, std::vector<UnkeptEntry>& unkept) {
+    const outInf& wall = loaded.wall;
     const OutInfo* screen = nullptr;
-    const std::vector<std::string> texts = mapEntries(line);
+    const std::vector<std::string> texts = mapEntries(loaded.lines[n]);
     for (std::size_t i = 0; i < texts.size(); ++i) {
         if (texts[i].empty()) {
             continue;
@@ -63,10 +57,9 @@ std::vector<Unkept> unkeptOf(const outInf& wall, const std::string& line) {
         }
         std::string reason = reasonFor(entry, there);
         if (entry.port || !reason.empty()) {
-            unkept.push_back({texts[i], std::move(reason)});
+            unkept.push_back({n, texts[i], std::move(reason)});
         }
     }
-    return unkept;
 }
 
 /// The lines that make the wall: those before the first empty one.
@@ -75,22 +68,18 @@ std::size_t usedLines(const LoadedWall& loaded) {
     return loaded.isUsed ? static_cast<std::size_t>(end - loaded.lines.begin()) : 0;
 }
 
-std::vector<Unkept> allUnkept(const LoadedWall& loaded, std::size_t used) {
-    std::vector<Unkept> all;
-    for (std::size_t n = 0; n < used; ++n) {
-        std::ranges::move(unkeptOf(loaded.wall, loaded.lines[n]), std::back_inserter(all));
-    }
-    return all;
-}
-
-/// Lines that nobody reads: those behind the `used` ones.
-std::string unusedLines(const LoadedWall& loaded, std::size_t used) {
+std::vector<std::size_t> unusedLines(const LoadedWall& loaded, std::size_t used) {
     std::vector<std::size_t> unused;
     for (std::size_t n = used; n < loaded.lines.size(); ++n) {
         if (!loaded.lines[n].empty()) {
             unused.push_back(n);
         }
     }
+    return unused;
+}
+
+/// Lines that nobody reads, in words.
+std::string unusedText(const LoadedWall& loaded, const std::vector<std::size_t>& unused) {
     return unused.empty()
                ? ""
                : (loaded.isUsed ? "behind an empty map line, " : "kOutNum is 0, so ") +
@@ -98,7 +87,7 @@ std::string unusedLines(const LoadedWall& loaded, std::size_t used) {
 }
 
 /// What a save loses: the lines that nobody reads and the entries that it would not write so.
-std::string lostBy(std::string unused, const std::vector<Unkept>& unkept) {
+std::string lostBy(const std::string& unused, const std::vector<UnkeptEntry>& unkept) {
     if (unkept.empty()) {
         return unused;
     }
@@ -134,19 +123,7 @@ std::string summary(const LoadedWall& loaded, std::string_view console) {
            (place == wall.screens.end() ? "on no screen" : "screen " + at(place->first));
 }
 
-/// Appends `more`, each behind `kind`: ten of them and how many there are besides.
-void append(std::vector<std::string>& lines, const char* kind,
-            const std::vector<std::string>& more) {
-    constexpr std::size_t kMost = 10;
-    for (std::size_t i = 0; i < std::min(more.size(), kMost); ++i) {
-        lines.push_back(kind + more[i]);
-    }
-    if (more.size() > kMost) {
-        lines.push_back(kind + std::to_string(more.size() - kMost) + " more");
-    }
-}
-
-std::vector<std::string> sharedRecords(const outInf& wall) {
+void noteSharedRecords(const outInf& wall, std::vector<WallNote>& notes) {
     std::map<unsigned, std::set<std::string>> records;
     for (const auto& [key, screen] : wall.screens) {
         for (const auto& [cell, box] : screen.cells) {
@@ -154,33 +131,32 @@ std::vector<std::string> sharedRecords(const outInf& wall) {
             records[GetViNum(address.c_str())].insert(address);
         }
     }
-    std::vector<std::string> notes;
     for (const auto& [number, addresses] : records) {
         if (number != 0 && addresses.size() > 1) {
-            notes.push_back("boxes " + *addresses.begin() + " and " +
-                            *std::next(addresses.begin()) +
-                            " end alike and share one record of their picture");
+            notes.push_back({"boxes " + *addresses.begin() + " and " +
+                                 *std::next(addresses.begin()) +
+                                 " end alike and share one record of their picture",
+                             {}});
         }
     }
-    return notes;
 }
 
 /// Among sorted names, what one begins with stands before it.
-std::vector<std::string> alikeScreens(const outInf& wall) {
-    std::vector<std::string_view> names;
+void noteAlikeScreens(const outInf& wall, std::vector<WallNote>& notes) {
+    std::vector<std::pair<std::string_view, std::uint32_t>> names;
     for (const auto& [key, screen] : wall.screens) {
-        names.push_back(screen.name.view());
+        names.emplace_back(screen.name.view(), key);
     }
     std::ranges::sort(names);
-    std::vector<std::string> notes;
     for (std::size_t i = 1; i < names.size(); ++i) {
-        const std::string_view address = addressIn(names[i - 1]);
-        if (!address.empty() && names[i].starts_with(address)) {
-            notes.push_back("screen " + std::string(names[i]) + " begins like " +
-                            std::string(address) + ": one can be taken for the other");
+        const std::string_view address = addressIn(names[i - 1].first);
+        const auto& [name, key] = names[i];
+        if (!address.empty() && name.starts_with(address)) {
+            notes.push_back({"screen " + std::string(name) + " begins like " +
+                                 std::string(address) + ": one can be taken for the other",
+                             key});
         }
     }
-    return notes;
 }
 
 /// The positions that a pointer can reach from `start` over edges.
@@ -203,42 +179,64 @@ std::set<std::uint32_t> reachable(const outInf& wall, std::uint32_t start) {
 }
 
 /// Screens that the pointer cannot reach, and those without a box where it arrives.
-std::vector<std::string> screensApart(const outInf& wall, std::string_view console) {
-    std::vector<std::string> notes;
+void noteScreensApart(const outInf& wall, std::string_view console, std::vector<WallNote>& notes) {
     const auto place = screenOf(wall, console);
     const auto first = place == wall.screens.end() ? wall.screens.begin() : place;
     const auto near =
         first == wall.screens.end() ? std::set<std::uint32_t>{} : reachable(wall, first->first);
     for (const auto& [key, screen] : wall.screens) {
         if (!near.contains(key)) {
-            notes.push_back("screen " + at(key) + " is behind a hole: no edge leads there");
+            notes.push_back({"screen " + at(key) + " is behind a hole: no edge leads there", key});
         }
         const auto corner = screen.cells.find(0);
         if (corner == screen.cells.end() || !isBox(corner->second.name.view())) {
-            notes.push_back("screen " + at(key) + " shows no box in cell 0,0");
+            notes.push_back({"screen " + at(key) + " shows no box in cell 0,0", key});
         }
     }
-    return notes;
+}
+
+/// Appends `more`, each behind `kind`: ten of them and how many there are besides.
+void append(std::vector<std::string>& lines, const char* kind,
+            const std::vector<std::string>& more) {
+    constexpr std::size_t kMost = 10;
+    for (std::size_t i = 0; i < std::min(more.size(), kMost); ++i) {
+        lines.push_back(kind + more[i]);
+    }
+    if (more.size() > kMost) {
+        lines.push_back(kind + std::to_string(more.size() - kMost) + " more");
+    }
 }
 
 }  // namespace
 
-WallNotes describe(const LoadedWall& loaded, std::string_view console) {
+WallFindings examine(const LoadedWall& loaded, std::string_view console) {
     const std::size_t used = usedLines(loaded);
-    const std::vector<Unkept> unkept = allUnkept(loaded, used);
-    const std::string unused = unusedLines(loaded, used);
-    std::vector<std::string> dropped;
-    for (const Unkept& entry : unkept) {
+    WallFindings findings{summary(loaded, console), {}, unusedLines(loaded, used), {}};
+    for (std::size_t n = 0; n < used; ++n) {
+        appendUnkept(loaded, n, findings.unkept);
+    }
+    noteSharedRecords(loaded.wall, findings.notes);
+    noteAlikeScreens(loaded.wall, findings.notes);
+    noteScreensApart(loaded.wall, console, findings.notes);
+    return findings;
+}
+
+WallNotes describe(const LoadedWall& loaded, std::string_view console) {
+    const WallFindings findings = examine(loaded, console);
+    std::vector<std::string> dropped, surprises;
+    for (const UnkeptEntry& entry : findings.unkept) {
         if (!entry.reason.empty()) {
             dropped.push_back(entry.text + ": " + entry.reason);
         }
     }
-    WallNotes notes{{summary(loaded, console)}, lostBy(unused, unkept)};
+    for (const WallNote& note : findings.notes) {
+        surprises.push_back(note.text);
+    }
+    const std::string unused = unusedText(loaded, findings.unused);
+    WallNotes notes{{findings.summary}, lostBy(unused, findings.unkept)};
     append(notes.lines, "not taken: ", dropped);
     append(notes.lines,
            "note: ", unused.empty() ? std::vector<std::string>{} : std::vector{unused});
-    append(notes.lines, "note: ", sharedRecords(loaded.wall));
-    append(notes.lines, "note: ", alikeScreens(loaded.wall));
-    append(notes.lines, "note: ", screensApart(loaded.wall, console));
+    append(notes.lines, "note: ", surprises);
     return notes;
 }

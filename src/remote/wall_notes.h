@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +18,28 @@ struct LoadedWall {
     outInf wall;
 };
 
+/// An entry that the wall has not, or that a save would not write as it stands.
+struct UnkeptEntry {
+    std::size_t line = 0;  ///< n of kOutIpmap
+    std::string text;
+    std::string reason;  ///< why it was not taken; empty when it was, though without all its fields
+};
+
+/// What is taken and may surprise.
+struct WallNote {
+    std::string text;
+    std::optional<std::uint32_t> screen;  ///< key of the one that it is about
+};
+
+struct WallFindings {
+    std::string summary;  ///< the wall and this console's place in it
+    std::vector<UnkeptEntry> unkept;
+    std::vector<std::size_t> unused;  ///< lines that nobody reads and that are not empty
+    std::vector<WallNote> notes;
+};
+
+WallFindings examine(const LoadedWall& loaded, std::string_view console);
+
 struct WallNotes {
     /// One line on the wall and on this console's place in it; one "not taken:" for each entry that
     /// was dropped, with the reason; one "note:" for what is taken and may surprise. At most 10 of
@@ -26,4 +51,5 @@ struct WallNotes {
     std::string lost;
 };
 
+/// The same in words.
 WallNotes describe(const LoadedWall& loaded, std::string_view console);
