@@ -10,7 +10,7 @@
 #include "remote/box_reply.h"
 #include "remote/map_text.h"
 #include "remote/wall_map.h"
-#include "simulated/silence.h"
+#include "silence.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ void loadSettings(benchmark::State& state) {
 
 /// With its flush to the disk.
 void saveSettings(benchmark::State& state) {
-    const simulated::Silence silence;  // the table is on standard output
+    const tools::Silence silence;  // the table is on standard output
     const std::string path = std::filesystem::temp_directory_path() / "tavrik-bench.ini";
     SoftwareConfig config(path);
     for (std::int64_t line = 0; line < state.range(0); ++line) {
@@ -53,7 +53,7 @@ void saveSettings(benchmark::State& state) {
 }
 
 void loadWall(benchmark::State& state) {
-    const simulated::Silence silence;  // the table is on standard output
+    const tools::Silence silence;  // the table is on standard output
     for (auto _ : state) {
         outInfo_.set({});
         for (std::int64_t line = 0; line < state.range(0); ++line) {

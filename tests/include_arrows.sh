@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # include_arrows.sh DIR: fails when a file of DIR/src includes what does not stand to the right of its room in
 #   app -> input -> control -> remote -> { config, net } -> base
-# or when a tool includes anything of src but remote/wire and base (tools/simulated is made of the daemon's own rooms).
+# or when a tool includes anything of src but remote/wire and base (tools/simulated and
+# tools/ctl are made of the daemon's own rooms).
 # However an include is written ("../x/y.h", <x/y.h>), it is the file that it leads to which counts.
 # include_arrows.sh --prove: a tree with one wrong include of each kind must fail.
 set -eu
@@ -45,6 +46,8 @@ allowed() {  # file, included file of src
     local room=${1#src/} wanted=${2%%/*}
     if [[ $1 == tools/simulated/* ]]; then
         [[ $wanted != app ]]
+    elif [[ $1 == tools/ctl/* ]]; then
+        [[ " ${may[control]} " == *" $wanted "* ]]
     elif [[ $1 == tools/* ]]; then
         [[ $2 == remote/wire.h || $wanted == base ]]
     else

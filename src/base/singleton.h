@@ -17,6 +17,9 @@ class Singleton {
     /// Creates the object and its control block as one allocation, releasing any previous holder.
     static void init() { value_ = std::make_shared<T>(); }
 
+    /// Lets go of the object, which ends when nobody uses it any more.
+    static void end() { value_.reset(); }
+
  private:
     static inline pthread_once_t ponce_ = PTHREAD_ONCE_INIT;
     static inline std::shared_ptr<T> value_;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
+#include <set>
 #include <unordered_set>
 
 namespace {
@@ -147,14 +148,9 @@ std::string linesAre(const std::string& first, std::size_t count) {
 }
 
 LostLines lostLines(std::string_view text, std::string_view saved) {
-    const Found found = findIn(text);
     LostLines lost;
-    lost.stop = stopOf(found);
-    for (unsigned index = lost.stop; index < kSettingCount; ++index) {
-        if (found[index] && !found[index]->empty()) {
-            lost.behind.push_back(index);
-        }
-    }
+    lost.stop = stopOf(findIn(text));
+    std::set<unsigned> behind;
     std::unordered_set<std::string_view> kept;
     forEachLine(saved, [&kept](std::string_view line) { kept.insert(line); });
     std::size_t number = 0;
@@ -165,8 +161,12 @@ LostLines lostLines(std::string_view text, std::string_view saved) {
             line.find_first_not_of(" \t") == line.npos || (setting && line == settingKey(*setting));
         if (!saysNothing && !kept.contains(line)) {
             lost.lines.push_back({number, line, setting});
+            if (setting && *setting >= lost.stop) {
+                behind.insert(*setting);
+            }
         }
     });
+    lost.behind.assign(behind.begin(), behind.end());
     return lost;
 }
 

@@ -17,7 +17,7 @@
 #include "simulated/doubles.h"
 #include "simulated/fresh_state.h"
 #include "simulated/guards.h"
-#include "simulated/silence.h"
+#include "silence.h"
 
 namespace simulated {
 
@@ -74,7 +74,7 @@ Console::Console(const Options& options)
              .box = {},
              .keys = {},
              .releaseEverything = options.releaseEverything} {
-    const Silence silence;
+    const tools::Silence silence;
     setPathPrefix("/nowhere");  // there are no settings, and no place for them
     for (auto [socket, known] : {std::pair{&sockets_[0], &InputSocket},
                                  {&sockets_[1], &InputViSocket},
@@ -115,7 +115,7 @@ Console::~Console() {
 }
 
 void Console::run(const Operations& operations) {
-    const Silence silence;
+    const tools::Silence silence;
     for (const Operation& operation : operations) {
         if (!goesOn()) {
             return;
@@ -130,12 +130,12 @@ void Console::run(const Operations& operations) {
 }
 
 void Console::happensNow(const Operation& operation) {
-    const Silence silence;
+    const tools::Silence silence;
     happen(operation);
 }
 
 void Console::order(const std::string& text) {
-    const Silence silence;
+    const tools::Silence silence;
     commands_.handle(text);
     serve();
 }
@@ -143,7 +143,7 @@ void Console::order(const std::string& text) {
 void Console::answer(const std::string& text) { answers_[kBoxes[0].address] = text; }
 
 void Console::give(unsigned device, InputRecord record) {
-    const Silence silence;
+    const tools::Silence silence;
     constexpr unsigned kDevices = 5;
     InputDeviceList* const lists[] = {&devices_.keyDevices, &devices_.mouseDevices,
                                       &devices_.touchDevices};

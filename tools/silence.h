@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <utility>
 
-namespace simulated {
+namespace tools {
 
 /// What is printed while it lives goes nowhere. One thread.
 class Silence {
@@ -19,4 +19,4 @@ class Silence {
     std::FILE* const before_ = std::exchange(stdout, nowhere());
 };
 
-}  // namespace simulated
+}  // namespace tools
