@@ -8,7 +8,8 @@ namespace {
 
 constexpr std::size_t kMostCharacters = std::size_t{4} << 20;
 constexpr std::size_t kCellHeight = 3;  ///< two lines of text and the border between cells
-constexpr std::size_t kBetween = 3;     ///< between screens, and for a hole
+constexpr std::size_t kBeside = 3;      ///< between screens; as much again for a hole
+constexpr std::size_t kBelow = 1;
 
 class Canvas {
  public:
@@ -27,10 +28,10 @@ class Places {
         auto& most = sizes_[index];
         most = std::max(most, size);
     }
-    void layOut() {
+    void layOut(std::size_t between) {
         std::optional<unsigned> before;
         for (const auto& [index, size] : sizes_) {
-            end_ += before ? kBetween + (index > *before + 1 ? kBetween : 0) : 0;
+            end_ += before ? between + (index > *before + 1 ? between : 0) : 0;
             starts_[index] = end_;
             end_ += size;
             before = index;
@@ -82,8 +83,8 @@ class Drawing {
             columns_.widen(position.first, std::max(size.width, titleOf(position, screen).size()));
             rows_.widen(position.second, size.height + 1);
         }
-        columns_.layOut();
-        rows_.layOut();
+        columns_.layOut(kBeside);
+        rows_.layOut(kBelow);
     }
 
     Area size() const { return {0, 0, columns_.end(), rows_.end()}; }
