@@ -12,6 +12,7 @@ seconds=$((${1:-0} * 60))
 ((seconds > 0)) || seconds=20
 shift || true
 build fuzz
+export TMPDIR=/dev/shm # some write files at every execution
 if (($# == 0)); then
     mapfile -t targets < <(cd fuzz/corpus && ls)
     set -- "${targets[@]}"

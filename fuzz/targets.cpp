@@ -7,6 +7,8 @@
 #include "app/user_list.h"
 #include "config/config_lines.h"
 #include "control/hotkey_table.h"
+#include "ctl/check.h"
+#include "ctl/show.h"
 #include "input/listing.h"
 #include "net/local_ip.h"
 #include "remote/box_reply.h"
@@ -55,6 +57,19 @@ void forEachPiece(std::string_view text, Take take) {
         settingNumber(values[i]);
     }
     settingsText(values);
+}
+
+[[maybe_unused]] void check(std::string_view text) {
+    const ctl::Checked checked = ctl::check(text, "10.0.0.1");
+    const bool isClean =
+        checked.count(ctl::Severity::kError) + checked.count(ctl::Severity::kWarning) == 0;
+    require(isClean == checked.takesEverything);
+    ctl::asText(checked, "file", true);
+    ctl::asJson(checked, "file");
+    if (const auto better = ctl::fixed(text, "10.0.0.1")) {
+        ctl::difference(text, *better);
+        require(ctl::check(*better, "10.0.0.1").takesEverything);
+    }
 }
 
 [[maybe_unused]] void user_list(std::string_view text) {

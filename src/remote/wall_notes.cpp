@@ -36,6 +36,18 @@ std::string reasonFor(const MapEntry& entry, const AddressText* there) {
     return there->view() == entry.name ? "" : at(keyOf(entry)) + " is " + there->c_str();
 }
 
+bool isNumber(std::string_view field) {
+    return field.find_first_not_of("0123456789", field.starts_with('-') ? 1 : 0) == field.npos;
+}
+
+/// Two numbers and an address: of everything else something is lost when it is written back.
+bool isWhole(std::string_view text) {
+    const std::size_t first = text.find(',');
+    const std::size_t second = text.find(',', std::min(first, text.size() - 1) + 1);
+    return second != text.npos && text.find(',', second + 1) == text.npos &&
+           isNumber(text.substr(0, first)) && isNumber(text.substr(first + 1, second - first - 1));
+}
+
 /// Appends the entries of map line `n` that the wall has not as they are written.
 void appendUnkept(const LoadedWall& loaded, std::size_t n, std::vector<UnkeptEntry>& unkept) {
     const outInf& wall = loaded.wall;
@@ -56,7 +68,7 @@ void appendUnkept(const LoadedWall& loaded, std::size_t n, std::vector<UnkeptEnt
             there = found == screen->cells.end() ? nullptr : &found->second.name;
         }
         std::string reason = reasonFor(entry, there);
-        if (entry.port || !reason.empty()) {
+        if (!isWhole(texts[i]) || !reason.empty()) {
             unkept.push_back({n, texts[i], std::move(reason)});
         }
     }

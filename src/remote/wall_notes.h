@@ -22,7 +22,7 @@ struct LoadedWall {
 struct UnkeptEntry {
     std::size_t line = 0;  ///< n of kOutIpmap
     std::string text;
-    std::string reason;  ///< why it was not taken; empty when it was, though without all its fields
+    std::string reason;  ///< why it was not taken; empty when it was, though not all of its text
 };
 
 /// What is taken and may surprise.

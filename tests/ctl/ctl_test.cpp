@@ -49,9 +49,11 @@ bool saysSomething(const std::string& line) {
 
 /// "x,y,name" as the wall is written, or the text itself when it is nothing of the kind.
 std::string writtenEntry(const std::string& entry) {
+    if (entry.find_first_of("+ \t\r") != entry.npos) {
+        return entry;
+    }
     int x = 0, y = 0, end = 0;
-    return std::sscanf(entry.c_str(), "%d%*[^,],%n", &x, &end) == 1 ||
-                   std::sscanf(entry.c_str(), "%d,%d%n", &x, &y, &end) != 2
+    return std::sscanf(entry.c_str(), "%d,%d%n", &x, &y, &end) != 2
                ? entry
                : std::to_string(x) + ',' + std::to_string(y) +
                      entry.substr(static_cast<std::size_t>(end));
@@ -111,7 +113,8 @@ class Check : public ::testing::Test {
                 return false;
             }
         }
-        const std::set<std::string> entries = entriesOf(saved);
+        const std::set<std::string> entries =
+            outInfo_.copy().screens.empty() ? std::set<std::string>{} : entriesOf(saved);
         for (const std::string& entry : entriesOf(started)) {
             if (!entries.contains(entry)) {
                 return false;
@@ -168,7 +171,7 @@ TEST_F(Check, IsCleanExactlyWhenAStartAndASaveKeepEverything) {
         clean += isClean ? 1 : 0;
         if (n % 20 == 0) {
             const auto better = ctl::fixed(text, "10.0.0.1");
-            ASSERT_TRUE(better && staysWhole(*better)) << text;
+            ASSERT_TRUE(better && staysWhole(*better)) << text << "->\n" << better.value_or("");
         }
     }
     EXPECT_GT(clean, 300) << "both kinds are tried";

@@ -22,7 +22,7 @@ install_missing
 mkdir -p "$cache"
 # pack PRESET: the package of a build; prints its file.
 pack() {
-    rm -f "$build/$1"/tavrik_*.deb
+    rm -f "$build/$1"/tavrik*.deb
     (cd "$build/$1" && cpack -G DEB) >"$cache/pack-$1.log" 2>&1 || {
         cat "$cache/pack-$1.log" >&2
         return 1
@@ -40,8 +40,8 @@ fetched() {
 started=$SECONDS
 (fetched armhf && fetched amd64) >"$cache/fetch.log" 2>&1 &
 fetching=$!
-build arm tavrik tavrik-target-guest
-build release tavrik tavrik-target-guest tavrik-target-test
+build arm tavrik tavrikctl tavrik-target-guest
+build release tavrik tavrikctl tavrik-target-guest tavrik-target-test
 deb_arm=$(pack arm)
 deb_pc=$(pack release)
 wait "$fetching" || {

@@ -155,11 +155,13 @@ void Checker::addWall() {
             finding.message =
                 "\";\" separates nothing: \"#\" stands between entries, \",\" between "
                 "their fields";
-        } else if (entry.reason.empty()) {
+        } else if (entry.reason.empty() && parseMapEntry(entry.text).port) {
             finding.severity = Severity::kWarning;
             finding.message =
                 "the fourth field has no effect and is not kept; a port offset stands "
                 "behind the address, as in 192.168.1.32-2";
+        } else if (entry.reason.empty()) {
+            finding.message = "is not \"column,row,address\" and only partly taken";
         }
         std::string better = meantMapLine(entry.text);
         if (better != entry.text) {

@@ -1,7 +1,8 @@
 # Shared by ./run and ./test: install what is missing, build quietly. Sourced, not run; the caller has
 # set `set -euo pipefail` and stands in the project's directory.
 
-packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev iproute2)
+packages=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+    iproute2)
 
 # Installs the packages that are not there yet; touches nothing when all are.
 install_missing() {
