@@ -46,7 +46,7 @@ while (($# > 0)); do
 done
 
 cd "$(dirname "$0")/.."
-packages+=(strace valgrind)
+packages+=("${test_packages[@]}" strace valgrind)
 if [[ -n $arm ]]; then
     packages+=(g++-arm-linux-gnueabihf googletest qemu-user)
 fi

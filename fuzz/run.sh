@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/rig/build.sh
 . tools/rig/build.sh
-packages+=(clang libclang-rt-14-dev)
+packages+=(clang libclang-rt-14-dev nlohmann-json3-dev)
 install_missing
 
 seconds=$((${1:-0} * 60))

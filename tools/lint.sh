@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/rig/build.sh
 . tools/rig/build.sh
-packages+=(clang-format clang-tidy shellcheck)
+packages+=("${test_packages[@]}" clang-format clang-tidy shellcheck)
 install_missing
 [[ -f build/release/compile_commands.json ]] || cmake --preset release >/dev/null
 

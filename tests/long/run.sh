@@ -6,6 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/../.."
 # shellcheck source=tools/rig/build.sh
 . tools/rig/build.sh
+packages+=("${test_packages[@]}")
 install_missing
 
 kind=${1:-long}

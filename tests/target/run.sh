@@ -16,7 +16,7 @@ cd "$project"
 # shellcheck source=tools/rig/build.sh
 . tools/rig/build.sh
 
-packages+=(g++-arm-linux-gnueabihf libboost-dev googletest qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
+packages+=("${test_packages[@]}" g++-arm-linux-gnueabihf libboost-dev googletest qemu-user qemu-system-arm qemu-system-x86 seabios debootstrap lintian
     e2fsprogs dpkg-dev cpio kmod systemd)
 install_missing
 mkdir -p "$cache"
