@@ -9,9 +9,13 @@
 #include <csignal>
 #include <cstdio>
 #include <map>
+#include <mutex>
+#include <sstream>
 #include <string>
 #include <thread>
 
+#include "drawing/wall_drawing.h"
+#include "rig/status.h"
 #include "rig/terminal_keys.h"
 
 namespace rig {
@@ -24,6 +28,22 @@ constexpr std::uint16_t kCommandPort = 41236;
 constexpr char kPromptKey = 0x1C;  // Ctrl+backslash
 
 volatile std::sig_atomic_t g_ended = 0;
+
+/// The last line of the terminal, below everything that is shown; empty when there is none.
+std::mutex g_showing;
+std::string g_statusLine;
+Status g_status;
+
+/// Shows the status as `change` leaves it. Any thread.
+template <class Change>
+void changeStatus(const Change& change) {
+    const std::lock_guard<std::mutex> lock(g_showing);
+    change(g_status);
+    g_statusLine = g_status.line();
+    const std::string text = "\r\x1B[K" + g_statusLine;
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
 
 /// Raw mode while it lives. A signal that would end the program ends the loop instead, so that the
 /// terminal is restored.
@@ -101,9 +121,52 @@ bool tapThrice(const Board& board, const std::string& name) {
     return true;
 }
 
-/// "tap KEY", or a command for the daemon; "\n" in it stands for a line feed.
+/// The number before `delimiter` in what is left of a map entry.
+unsigned numberIn(std::istream& entry, char delimiter) {
+    std::string field;
+    std::getline(entry, field, delimiter);
+    return static_cast<unsigned>(std::stoul(field));
+}
+
+drawing::Wall wallOf(const Plan& plan) {
+    drawing::Wall wall;
+    for (const std::string& line : plan.wall) {
+        std::istringstream entries(line);
+        drawing::Screen* screen = nullptr;
+        for (std::string text; std::getline(entries, text, '#');) {
+            std::istringstream entry(text);
+            const unsigned x = numberIn(entry, ',');
+            const unsigned y = numberIn(entry, ',');
+            std::string name;
+            std::getline(entry, name, '-');
+            if (screen == nullptr) {
+                screen = &wall[{x, y}];
+                screen->name = name;
+                screen->isHere = wall.size() == 1;
+            } else {
+                screen->cells[{x, y}] = {name, 0};
+            }
+        }
+    }
+    return wall;
+}
+
+void showWall(const Plan& plan) {
+    std::istringstream lines(drawing::asText(wallOf(plan)).value_or(""));
+    for (std::string line; std::getline(lines, line);) {
+        show(line);
+    }
+}
+
+void help();
+
+/// "help", "tap KEY", or a command for the daemon; "\n" in it stands for a line feed.
 void obey(World& world, std::string line) {
     constexpr std::string_view kTap = "tap ";
+    if (line == "help") {
+        help();
+        return;
+    }
     if (line.starts_with(kTap)) {
         if (!tapThrice(world.board, line.substr(kTap.size()))) {
             show("tavrik-rig: tap ctrl, alt, shift or esc");
@@ -122,7 +185,7 @@ void help() {
     show("A virtual console with a keyboard, a mouse and a wall of two screens, two boxes each.");
     show(
         "  type                 keys go to the box in control (Shift, Ctrl+letter, Alt+letter too)");
-    show("  Alt+arrows           move the pointer by 20");
+    show("  Alt+arrows           move the pointer by 20      Alt+Shift+arrows   by 400");
     show("  Alt+Enter            left click         Alt+Backspace        right click");
     show("  Alt+PgUp, Alt+PgDn   turn the wheel     Ctrl+C               end");
     show(
@@ -130,24 +193,45 @@ void help() {
     show("                       hotkey&ctrl+f1, MTO:1,0, relation&0,0,127.0.0.20#1,0,127.0.0.21,");
     show("                       details&127.0.0.20#0,0,127.0.0.32-8000, OSDSTART, OSDQUIT,");
     show("                       [seq]\\n[control]=127.0.0.20\\nusb_link_device\\nend");
-    show("Each line below is one datagram that a box, or the OSD, received.");
+    show("                       help: this text again");
+    show(
+        "Each line below is one datagram that a box, or the OSD, received; the last one tells what is so now.");
+    showWall(usualPlan());
 }
 
 }  // namespace
 
 void show(const std::string& line) {
-    const std::string whole = "\r" + line + "\r\n";
+    const std::lock_guard<std::mutex> lock(g_showing);
+    const std::string whole = "\r\x1B[K" + line + "\r\n" + g_statusLine;
     const bool terminal = isatty(STDOUT_FILENO) != 0;
     const std::string& text = terminal ? whole : line + "\n";
     std::fwrite(text.data(), 1, text.size(), stdout);  // one call: stdio keeps it whole
     std::fflush(stdout);
 }
 
+void showDriven(const std::string& name, const Report& report) {
+    show(name + "  " + report.text);
+    changeStatus([&](Status& status) { status.saw(name, report.text); });
+}
+
 int drive(World& world, bool log) {
     help();
     const RawTerminal raw;
-    const auto lines = [](std::string_view line) { show("  | " + std::string(line)); };
-    if (const auto problem = world.start(log ? Daemon::Observer(lines) : Daemon::Observer())) {
+    const struct EndOfLine {
+        ~EndOfLine() {
+            const std::lock_guard<std::mutex> lock(g_showing);
+            g_statusLine.clear();
+            std::fputs("\r\n", stdout);
+        }
+    } endOfLine;
+    const auto lines = [log](std::string_view line) {
+        if (log || line == "recv error osd command") {
+            show("  | " + std::string(line));
+        }
+        changeStatus([line](Status& status) { status.saw(line); });
+    };
+    if (const auto problem = world.start(lines)) {
         show("tavrik-rig: " + *problem);
         return 1;
     }
@@ -169,7 +253,11 @@ int drive(World& world, bool log) {
             obey(world, raw.askLine("command> "));
             continue;
         }
-        for (const Typed& typed : typedKeys({input.data(), static_cast<std::size_t>(got)})) {
+        const auto actions = typedKeys({input.data(), static_cast<std::size_t>(got)});
+        if (actions.empty()) {
+            show("tavrik-rig: no key of the virtual keyboard is typed so");
+        }
+        for (const Typed& typed : actions) {
             if (!perform(world.board, typed)) {
                 show("tavrik-rig: nobody reads the device now, try again in a second");
             }

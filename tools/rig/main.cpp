@@ -14,8 +14,8 @@ void showReport(const std::string& name, const rig::Report& report) {
     rig::show(name + "  " + report.text);
 }
 
-int demo(bool log) {
-    const rig::ParsedScript parsed = rig::loadScript(TAVRIK_TOUR);
+int play(const std::string& file, bool log) {
+    const rig::ParsedScript parsed = rig::loadScript(file);
     if (!parsed.script) {
         std::fprintf(stderr, "tavrik-rig: %s\n", parsed.problem.c_str());
         return 1;
@@ -37,7 +37,7 @@ int driveByHand(bool log) {
         std::fprintf(stderr, "tavrik-rig: drive needs a terminal; demo does not\n");
         return 2;
     }
-    rig::World world(rig::usualPlan(), showReport);
+    rig::World world(rig::usualPlan(), rig::showDriven);
     return rig::drive(world, log);
 }
 
@@ -49,10 +49,14 @@ int run(int argc, char** argv) {
     app.require_subcommand(1);
     app.fallthrough();
     app.add_subcommand("demo", "Play a short tour and check what every box receives");
+    std::string file = TAVRIK_TOUR;
+    app.add_subcommand("play", "Play a script and check what every box receives")
+        ->add_option("FILE", file, "its words are in tools/rig/SCRIPTS.md")
+        ->required();
     const CLI::App* byHand = app.add_subcommand("drive", "Drive it from this terminal");
     CLI11_PARSE(app, argc, argv);
     rig::enterOwnNetwork();  // where that is refused, the machine's own loopback serves
-    return byHand->parsed() ? driveByHand(log) : demo(log);
+    return byHand->parsed() ? driveByHand(log) : play(file, log);
 }
 
 }  // namespace

@@ -11,7 +11,8 @@
 namespace rig {
 namespace {
 
-constexpr int kStep = 20;  // pixels a press of Alt+arrow
+constexpr int kStep = 20;   // pixels a press of Alt+arrow
+constexpr int kLeap = 400;  // with Shift besides
 constexpr char kEscape = '\x1b';
 
 struct Sequence {
@@ -40,6 +41,10 @@ constexpr Sequence kAltSequences[] = {
     {"\x1b[A", KEY_UP},   {"\x1b[B", KEY_DOWN},    {"\x1b[C", KEY_RIGHT},
     {"\x1b[D", KEY_LEFT}, {"\x1b[5~", KEY_PAGEUP}, {"\x1b[6~", KEY_PAGEDOWN},
 };
+
+/// And with Shift besides.
+constexpr Sequence kLeapSequences[] = {
+    {"[1;4A", KEY_UP}, {"[1;4B", KEY_DOWN}, {"[1;4C", KEY_RIGHT}, {"[1;4D", KEY_LEFT}};
 
 struct Mark {
     char plain;
@@ -105,16 +110,16 @@ std::optional<Typed> character(char typed) {
 }
 
 /// Alt with a key that has no character: the pointer.
-Typed pointerAction(std::uint16_t code) {
+Typed pointerAction(std::uint16_t code, int step = kStep) {
     switch (code) {
         case KEY_UP:
-            return {Typed::Kind::kMove, 0, {}, 0, -kStep};
+            return {Typed::Kind::kMove, 0, {}, 0, -step};
         case KEY_DOWN:
-            return {Typed::Kind::kMove, 0, {}, 0, kStep};
+            return {Typed::Kind::kMove, 0, {}, 0, step};
         case KEY_LEFT:
-            return {Typed::Kind::kMove, 0, {}, -kStep, 0};
+            return {Typed::Kind::kMove, 0, {}, -step, 0};
         case KEY_RIGHT:
-            return {Typed::Kind::kMove, 0, {}, kStep, 0};
+            return {Typed::Kind::kMove, 0, {}, step, 0};
         default:
             return {Typed::Kind::kWheel, 0, {}, 0, code == KEY_PAGEUP ? 1 : -1};
     }
@@ -148,6 +153,10 @@ std::optional<Typed> afterEscape(std::string_view& input) {
     if (const Sequence* row = match(kAltSequences, input)) {
         input.remove_prefix(row->bytes.size());
         return pointerAction(row->code);
+    }
+    if (const Sequence* row = match(kLeapSequences, input)) {
+        input.remove_prefix(row->bytes.size());
+        return pointerAction(row->code, kLeap);
     }
     if (const Sequence* row = match(kSequences, input)) {
         input.remove_prefix(row->bytes.size());

@@ -23,8 +23,8 @@ struct Typed {
 ///
 /// Letters, digits, punctuation (with Shift where it needs Shift), Enter, Tab, Backspace, Esc, F1
 /// to F12, arrows, Home, End, Insert, Delete, Page Up and Down stand for themselves; Ctrl and Alt
-/// with a letter likewise. Alt+arrow moves the pointer, Alt+Enter and Alt+Backspace click left and
-/// right, Alt+Page Up and Down turn the wheel. Ctrl+C ends.
+/// with a letter likewise. Alt+arrow moves the pointer, with Shift besides far; Alt+Enter and
+/// Alt+Backspace click left and right, Alt+Page Up and Down turn the wheel. Ctrl+C ends.
 std::vector<Typed> typedKeys(std::string_view input);
 
 }  // namespace rig

@@ -14,10 +14,10 @@
 #include "remote/picture.h"
 #include "remote/selection.h"
 #include "remote/wall_map.h"
+#include "silence.h"
 #include "simulated/doubles.h"
 #include "simulated/fresh_state.h"
 #include "simulated/guards.h"
-#include "silence.h"
 
 namespace simulated {
 
