@@ -64,7 +64,7 @@ class RawTerminal {
     /// One line, typed and edited as in a shell.
     std::string askLine(const char* prompt) const {
         tcsetattr(STDIN_FILENO, TCSADRAIN, &before_);
-        std::fputs(prompt, stdout);
+        std::printf("\r\x1B[K%s", prompt);
         std::fflush(stdout);
         std::array<char, 2048> line{};
         const ssize_t got = read(STDIN_FILENO, line.data(), line.size());
@@ -226,7 +226,7 @@ int drive(World& world, bool log) {
         }
     } endOfLine;
     const auto lines = [log](std::string_view line) {
-        if (log || line == "recv error osd command") {
+        if (log || line.find("recv error osd command") != line.npos) {
             show("  | " + std::string(line));
         }
         changeStatus([line](Status& status) { status.saw(line); });
