@@ -144,7 +144,7 @@ class TextCanvas : public Canvas {
             put(x++, y, letter);
         }
     }
-    std::string whole() const {
+    std::string whole(const Area& /*size*/) const {
         std::string all;
         for (const std::string& line : lines_) {
             all += line + '\n';
@@ -210,28 +210,22 @@ class SvgCanvas : public Canvas {
     std::string body_;
 };
 
-bool isDrawable(const Area& size) { return size.width * size.height <= kMostCharacters; }
+template <class SomeCanvas>
+std::optional<std::string> drawn(const Wall& wall) {
+    const Drawing drawing(wall);
+    const Area size = drawing.size();
+    if (size.width * size.height > kMostCharacters) {
+        return std::nullopt;
+    }
+    SomeCanvas canvas;
+    drawing.draw(canvas);
+    return canvas.whole(size);
+}
 
 }  // namespace
 
-std::optional<std::string> asText(const Wall& wall) {
-    const Drawing drawing(wall);
-    if (!isDrawable(drawing.size())) {
-        return std::nullopt;
-    }
-    TextCanvas canvas;
-    drawing.draw(canvas);
-    return canvas.whole();
-}
+std::optional<std::string> asText(const Wall& wall) { return drawn<TextCanvas>(wall); }
 
-std::optional<std::string> asSvg(const Wall& wall) {
-    const Drawing drawing(wall);
-    if (!isDrawable(drawing.size())) {
-        return std::nullopt;
-    }
-    SvgCanvas canvas;
-    drawing.draw(canvas);
-    return canvas.whole(drawing.size());
-}
+std::optional<std::string> asSvg(const Wall& wall) { return drawn<SvgCanvas>(wall); }
 
 }  // namespace drawing

@@ -181,6 +181,41 @@ void obey(World& world, std::string line) {
     }
 }
 
+/// The status line's place, given back at the end.
+struct OwnLastLine {
+    OwnLastLine() = default;
+    OwnLastLine(const OwnLastLine&) = delete;
+    OwnLastLine& operator=(const OwnLastLine&) = delete;
+    ~OwnLastLine() {
+        const std::lock_guard<std::mutex> lock(g_showing);
+        g_statusLine.clear();
+        std::fputs("\r\n", stdout);
+    }
+};
+
+/// Carries out what was typed; false at its end.
+bool takeInput(World& world, const RawTerminal& raw) {
+    std::array<char, 256> input{};
+    const ssize_t got = read(STDIN_FILENO, input.data(), input.size());
+    if (got <= 0) {
+        return false;
+    }
+    if (input[0] == kPromptKey) {
+        obey(world, raw.askLine("command> "));
+        return true;
+    }
+    const auto actions = typedKeys({input.data(), static_cast<std::size_t>(got)});
+    if (actions.empty()) {
+        show("tavrik-rig: no key of the virtual keyboard is typed so");
+    }
+    for (const Typed& typed : actions) {
+        if (!perform(world.board, typed)) {
+            show("tavrik-rig: nobody reads the device now, try again in a second");
+        }
+    }
+    return true;
+}
+
 void help() {
     show("A virtual console with a keyboard, a mouse and a wall of two screens, two boxes each.");
     show(
@@ -218,13 +253,7 @@ void showDriven(const std::string& name, const Report& report) {
 int drive(World& world, bool log) {
     help();
     const RawTerminal raw;
-    const struct EndOfLine {
-        ~EndOfLine() {
-            const std::lock_guard<std::mutex> lock(g_showing);
-            g_statusLine.clear();
-            std::fputs("\r\n", stdout);
-        }
-    } endOfLine;
+    const OwnLastLine lastLine;
     const auto lines = [log](std::string_view line) {
         if (log || line.find("recv error osd command") != line.npos) {
             show("  | " + std::string(line));
@@ -244,23 +273,8 @@ int drive(World& world, bool log) {
         if (poll(&wait, 1, kLookMilliseconds) <= 0) {
             continue;
         }
-        std::array<char, 256> input{};
-        const ssize_t got = read(STDIN_FILENO, input.data(), input.size());
-        if (got <= 0) {
+        if (!takeInput(world, raw)) {
             break;
-        }
-        if (input[0] == kPromptKey) {
-            obey(world, raw.askLine("command> "));
-            continue;
-        }
-        const auto actions = typedKeys({input.data(), static_cast<std::size_t>(got)});
-        if (actions.empty()) {
-            show("tavrik-rig: no key of the virtual keyboard is typed so");
-        }
-        for (const Typed& typed : actions) {
-            if (!perform(world.board, typed)) {
-                show("tavrik-rig: nobody reads the device now, try again in a second");
-            }
         }
         world.clear();
     }
