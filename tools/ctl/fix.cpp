@@ -40,6 +40,8 @@ Values meantValues(const std::string& text) {
             take(*meant->index, meant->value);
         }
     }
+    values[kServerPortIndex] = values[kServerPortIndex].empty() ? "80" : values[kServerPortIndex];
+    values[kOutNumIndex] = values[kOutNumIndex].empty() ? "0" : values[kOutNumIndex];
     unsigned next = kFirstMapIndex;
     const auto append = [&](const std::string& value) {
         const std::string line = meantMapLine(value);
