@@ -9,22 +9,9 @@ deb_pc=$3
 here=$(cd "$(dirname "$0")" && pwd)
 unit=$here/../../packaging/tavrik.service
 expected="tavrik T-$(dpkg-deb -f "$deb_pc" Version)"
+# shellcheck source=tests/target/checking.sh
+. "$here/checking.sh"
 most_exposed=25 # tenths of systemd-analyze's 0 (safe) to 10
-passed=0
-failed=0
-
-# check WHAT COMMAND...: passes when the command does; its output is shown when it does not.
-check() {
-    local what=$1 output
-    shift
-    if output=$("$@" 2>&1); then
-        passed=$((passed + 1))
-        echo "  ok    $what"
-    else
-        failed=$((failed + 1))
-        printf '  FAIL  %s\n%s\n' "$what" "$output"
-    fi
-}
 
 # says EXPECTED COMMAND...: passes when the command prints exactly that.
 says() {
@@ -35,8 +22,6 @@ says() {
         return 1
     fi
 }
-
-in_root() { chroot "$root" "$@"; }
 
 install_deb() {
     cp "$1" "$root/tmp/tavrik.deb"
@@ -49,22 +34,6 @@ draw_there() {
     printf '%s\n' kUdpServerPort=80 kActKeyEvent= kHotkeymap= kHotCmd0= kHotCmd1= kHotCmd2= kOutNum=1 \
         'kOutIpmap0=0,0,10.0.0.1#0,0,10.0.1.1' >"$root/tmp/wall/tav_rik.ini"
     in_root tavrikctl draw /tmp/wall/tav_rik.ini
-}
-
-# A small Debian with systemd, made once and unpacked anew for every run.
-fresh_root() {
-    local mirror plain=$cache/debian.tar
-    if [[ ! -f $plain ]]; then
-        # shellcheck disable=SC2016 # the text is apt's own
-        mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Codename: bookworm' 'Component: main' \
-            'Created-By: Packages' | sort -u | head -n 1)
-        rm -rf "$cache/debian" &&
-            debootstrap --variant=minbase --include=init-system-helpers,systemd,dbus,net-tools bookworm "$cache/debian" \
-                "$mirror" >"$cache/debootstrap.log" 2>&1 &&
-            tar -C "$cache/debian" -cf "$plain.new" . && mv "$plain.new" "$plain"
-        rm -rf "$cache/debian"
-    fi
-    mkdir -p "$root" && tar -C "$root" -xf "$plain"
 }
 
 root=$(mktemp -d)

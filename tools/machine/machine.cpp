@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <optional>
 #include <stdexcept>
 
 namespace {
@@ -53,6 +54,13 @@ void writeAll(int fd, std::string_view text) {
     execvp(arguments[0], arguments.data());
     std::perror(arguments[0]);
     _exit(127);
+}
+
+/// What stands behind `mark`. A program's line comes whole, but perhaps behind a part of the
+/// daemon's, whose log goes on when the console takes more.
+std::optional<std::string> behind(const std::string& line, std::string_view mark) {
+    const std::size_t at = line.find(mark);
+    return at == line.npos ? std::nullopt : std::optional(line.substr(at + mark.size()));
 }
 
 }  // namespace
@@ -143,11 +151,12 @@ std::string Machine::run(const std::string& command, const std::string& mark) {
                 return "failed: no end of " + command;
             }
         }
-        if (lines_[at].starts_with(end)) {
-            return lines_[at] == end + "0" ? output : "failed: " + command;
+        if (const auto status = behind(lines_[at], end)) {
+            return *status == "0" ? output : "failed: " + command;
         }
-        if (!mark.empty() && lines_[at].starts_with(mark)) {
-            output.append(output.empty() ? "" : "\n").append(lines_[at], mark.size());
+        const auto printed = mark.empty() ? std::nullopt : behind(lines_[at], mark);
+        if (printed) {
+            output.append(output.empty() ? "" : "\n").append(*printed);
         }
     }
 }
@@ -164,7 +173,7 @@ bool Machine::start(const std::string& command) {
     return run(command, "").empty();
 }
 
-std::vector<std::string> Machine::take(std::string_view prefix, std::size_t count) {
+std::vector<std::string> Machine::take(std::string_view mark, std::size_t count) {
     const auto until = Clock::now() + std::chrono::seconds(10);
     std::vector<std::string> found;
     while (found.size() < count) {
@@ -173,9 +182,8 @@ std::vector<std::string> Machine::take(std::string_view prefix, std::size_t coun
                 return found;
             }
         }
-        const std::string& line = lines_[taken_++];
-        if (line.starts_with(prefix)) {
-            found.push_back(line.substr(prefix.size()));
+        if (auto rest = behind(lines_[taken_++], mark)) {
+            found.push_back(std::move(*rest));
         }
     }
     return found;

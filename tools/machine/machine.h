@@ -32,9 +32,9 @@ class Machine {
     /// when its status is not 0.
     bool start(const std::string& command);
 
-    /// The next `count` lines that begin with `prefix`, from behind the last ones so taken, without
-    /// the prefix; fewer when they do not come within 10 s.
-    std::vector<std::string> take(std::string_view prefix, std::size_t count);
+    /// What stands behind `mark` in the next `count` lines that have it, from behind the last ones
+    /// so taken; fewer when they do not come within 10 s.
+    std::vector<std::string> take(std::string_view mark, std::size_t count);
     /// Forgets the lines so far: `await` and `take` count only what comes behind them.
     void skip();
 

@@ -14,7 +14,7 @@ give_up() {
 
 # Installs the packages that are not there yet; touches nothing when all are.
 install_missing() {
-    local missing=() package root=() said
+    local missing=() package as_root=() said
     for package in "${packages[@]}"; do
         if [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) != installed ]]; then
             missing+=("$package")
@@ -29,12 +29,12 @@ install_missing() {
     if ((EUID != 0)); then
         command -v sudo >/dev/null ||
             give_up "These packages are missing and there is no sudo. As root: apt-get install ${missing[*]}"
-        root=(sudo)
+        as_root=(sudo)
     fi
     echo "Installing ${missing[*]}" >&2
     said=$(mktemp)
     # shellcheck disable=SC2024 # the file is the caller's own
-    if ! { "${root[@]}" apt-get update -qq && "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    if ! { "${as_root[@]}" apt-get update -qq && "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"$said" 2>&1; then
         tail -n 5 "$said" >&2
         rm -f "$said"
