@@ -18,7 +18,7 @@ cd "$project" || exit 1
 packages=(debootstrap)
 install_missing
 # shellcheck source=tests/target/checking.sh
-. "$here/checking.sh"
+. "$project/tests/target/checking.sh"
 cache=$project/build/target-cache/packages
 mkdir -p "$cache"
 root=$(mktemp -d)
@@ -37,7 +37,7 @@ commands() {
 
 # typed USER COMMAND: in the user's tree, as it stands in the text.
 typed() {
-    chroot "$root" su "$1" -c "cd $(in_tree "$1") && export PATH=/shims:\$PATH DEBIAN_FRONTEND=noninteractive && $2" < <(yes)
+    chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin su "$1" -c "cd $(in_tree "$1") && export PATH=/shims:\$PATH DEBIAN_FRONTEND=noninteractive && $2" < <(yes)
 }
 in_tree() { [[ $1 == root ]] && echo /root/tavrik || echo /home/user/tavrik; }
 
