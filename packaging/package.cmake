@@ -20,7 +20,8 @@ install(FILES packaging/tavrik.service DESTINATION lib/systemd/system COMPONENT 
 install(FILES packaging/journald.conf DESTINATION lib/systemd/journald@tavrik.conf.d RENAME tavrik.conf
         COMPONENT daemon)
 install(FILES ${compressed}/tavrik.8.gz DESTINATION share/man/man8 COMPONENT daemon)
-install(FILES packaging/copyright ${compressed}/changelog.gz DESTINATION share/doc/tavrik COMPONENT daemon)
+install(FILES packaging/copyright ${compressed}/changelog.gz docs/guide.html DESTINATION share/doc/tavrik
+        COMPONENT daemon)
 set(CPACK_COMPONENTS_ALL daemon)
 if(TAVRIK_TOOLS)
   list(APPEND CPACK_COMPONENTS_ALL tools)

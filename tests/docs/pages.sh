@@ -100,7 +100,7 @@ every user README.md "## Install on a board" '/^tavrikctl/d'
 check "  the program of the armhf package is there" test -x "$root/usr/sbin/tavrik"
 in_root apt-get purge -y tavrik:armhf >/dev/null 2>&1
 # As the text says: the same for a PC, with other names.
-every root README.md "## Install on a board" '/^tavrikctl/d; /^ssh.*journal/d; /^sudo/s/^sudo //; s/g++-arm-linux-gnueabihf/g++ dpkg-dev/
+every root README.md "## Install on a board" '/^tavrikctl/d; /^ssh.*journal/d; /^sudo/s/^sudo //; s/g++-arm-linux-gnueabihf/g++ dpkg-dev file/
     s/arm /release /g; s/preset arm$/preset release/; s#build/arm#build/release#g; s/armhf/amd64/g'
 check "  the daemon runs" in_root tavrik --version
 check "  its tools install" in_root sh -c 'apt-get install -y /root/tavrik/build/release/tavrik-tools_*_amd64.deb'
