@@ -27,6 +27,7 @@
 #include "remote/handover.h"
 #include "remote/source_query.h"
 #include "remote/wall_notes.h"
+#include "remote/wire_text.h"
 
 namespace {
 
@@ -103,11 +104,11 @@ void loadWall(SoftwareConfig& config) {
 
 void openControlSocket(bool joinsGroup) {
     auto* socket = new UDPSocket;  // lives as long as the process
-    socket->CreateUDPServer(kKvmSetPort, 0, false, true);
+    socket->CreateUDPServer(wire::kCommandPort, 0, false, true);
     socket->SetMulticastTTL(kMulticastTtl);
     KvmSetSocket = socket;
     for (int attempt = 0; joinsGroup && attempt < kJoinAttempts; ++attempt) {
-        if (socket->AddMemberShip(kControlGroup, kControlInterface) != 0) {
+        if (socket->AddMemberShip(wire::kControlGroup, kControlInterface) != 0) {
             std::puts("add mlt:224.168.1.1");
             return;
         }

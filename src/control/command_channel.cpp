@@ -22,10 +22,6 @@
 
 namespace {
 
-constexpr std::size_t kLargestCommand = 2048;
-/// A "details" text up to this length describes one screen entry only.
-constexpr std::size_t kSingleEntryLength = 48;
-constexpr std::size_t kStatusLength = 64;
 /// A command may save the settings on a slow disk.
 constexpr std::chrono::seconds kCommandBound{30};
 constexpr std::int64_t kAfterFailureMicroseconds = 1'000'000;
@@ -47,30 +43,20 @@ bool takeArgument(const std::string& text, std::string& argument) {
 
 }  // namespace
 
-const CommandChannel::Command CommandChannel::kCommands[] = {
-    {"OSDQUIT", Match::kWhole, &CommandChannel::osdQuit},
-    {"OSDSTART", Match::kWhole, &CommandChannel::osdStart},
-    {"PREVIEWQUIT", Match::kWhole, &CommandChannel::previewQuit},
-    {"KVMQUIT", Match::kWhole, &CommandChannel::kvmQuit},
-    {"relation", Match::kPrefix, &CommandChannel::relation},
-    {"details", Match::kPrefix, &CommandChannel::details},
-    {"hotkey", Match::kPrefix, &CommandChannel::hotkey},
-    {"PAUSE", Match::kPrefix, &CommandChannel::pause},
-    {"CONTINUE", Match::kPrefix, &CommandChannel::resume},
-    {"MTO", Match::kPrefix, &CommandChannel::mouseTo},
-    {"[seq]", Match::kPrefix, &CommandChannel::status},
+/// By wire::Command.
+const std::array<CommandChannel::Handler, wire::kCommands.size()> CommandChannel::kHandlers = {
+    &CommandChannel::osdQuit, &CommandChannel::osdStart, &CommandChannel::previewQuit,
+    &CommandChannel::kvmQuit, &CommandChannel::relation, &CommandChannel::details,
+    &CommandChannel::hotkey,  &CommandChannel::pause,    &CommandChannel::resume,
+    &CommandChannel::mouseTo, &CommandChannel::status,
 };
 
 void CommandChannel::handle(const std::string& text) {
-    for (const Command& command : kCommands) {
-        const bool matches =
-            command.match == Match::kWhole ? text == command.text : text.starts_with(command.text);
-        if (matches) {
-            (this->*command.handler)(text);
-            return;
-        }
+    if (const wire::CommandRow* row = wire::commandOf(text)) {
+        (this->*kHandlers[static_cast<std::size_t>(row->command)])(text);
+    } else {
+        reportUnknown(text);
     }
-    reportUnknown(text);
 }
 
 void CommandChannel::osdQuit(const std::string& /*text*/) {
@@ -102,7 +88,7 @@ void CommandChannel::relation(const std::string& text) {
         return;
     }
     lastRelation_ = text;
-    if (text == "relation&0,0,0") {
+    if (text == wire::kNoControl) {
         std::puts("stop kvm");
         stopControl();
         return;
@@ -123,7 +109,7 @@ void CommandChannel::details(const std::string& text) {
     if (!takeArgument(text, map)) {
         return;
     }
-    if (text.size() > kSingleEntryLength) {
+    if (text.size() > wire::kSingleEntryLength) {
         currentInfo.with([](currentCtl& now) {
             now.pointerX = 0;
             now.pointerY = 0;
@@ -196,14 +182,12 @@ void CommandChannel::mouseTo(const std::string& text) {
 }
 
 void CommandChannel::status(const std::string& text) {
-    if (text.find("usb_link_device") == std::string::npos) {
+    if (text.find(wire::kStatusSubject) == std::string::npos) {
         return;
     }
     const AddressText local = localip.copy();
-    std::array<char, kStatusLength> answer{};
-    std::snprintf(answer.data(), answer.size(), "[ack]\n[controlled]=%s\nusb_link_device=%u%u%u",
-                  local.c_str(), counts_.mice.load(), counts_.keyboards.load(),
-                  counts_.panels.load());
+    const wire::Status answer =
+        wire::status(local.view(), counts_.mice, counts_.keyboards, counts_.panels);
     std::array<char, AddressText::kSize> asked{};
     std::array<char, AddressText::kSize> address{};
     int port = 0;
@@ -213,9 +197,9 @@ void CommandChannel::status(const std::string& text) {
         return;
     }
     if (port == 0) {
-        socket->EchoTo(answer.data(), kStatusLength);
+        socket->EchoTo(answer.data(), static_cast<long>(answer.size()));
     } else if (port > 0 && port <= kMaxPort) {
-        sendToOsd(AddressText{address.data()}, port, bytesOf({answer.data(), kStatusLength}));
+        sendToOsd(AddressText{address.data()}, port, bytesOf({answer.data(), answer.size()}));
     } else {
         std::printf("no port in status query:%s\n", text.c_str());
     }
@@ -241,7 +225,7 @@ int getTouchIp(Guarded<AddressText>& touchInputIp, const std::string& text) {
         std::puts("not get 0,0 input ip");
         return 0;
     }
-    if (text.size() > kSingleEntryLength) {
+    if (text.size() > wire::kSingleEntryLength) {
         std::puts("not signal ");
         touchInputIp.set(AddressText{AddressText::kNone});
         return 0;
@@ -256,7 +240,7 @@ int getTouchIp(Guarded<AddressText>& touchInputIp, const std::string& text) {
 void* kvmSet(void* slices) {
     const auto& [console, counts, allowed, joinsGroup] = *static_cast<const CommandSlices*>(slices);
     CommandChannel channel(console, counts);
-    std::array<char, kLargestCommand> buffer{};
+    std::array<char, wire::kLargestCommand> buffer{};
     UDPSocket* socket = KvmSetSocket;
     ControlPort port(*socket, joinsGroup);
     WorkBound bound(kCommandBound);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <array>
 #include <string>
 
 #include "base/address_text.h"
@@ -8,6 +8,7 @@
 #include "control/allowed_senders.h"
 #include "control/device_counts.h"
 #include "remote/console_state.h"
+#include "remote/wire_text.h"
 
 /// The orders of the OSD process and of the management side: one text command a datagram.
 
@@ -33,13 +34,7 @@ class CommandChannel {
 
  private:
     using Handler = void (CommandChannel::*)(const std::string&);
-    enum class Match : std::uint8_t { kWhole, kPrefix };
-    struct Command {
-        const char* text;
-        Match match;
-        Handler handler;
-    };
-    static const Command kCommands[];
+    static const std::array<Handler, wire::kCommands.size()> kHandlers;
 
     void osdQuit(const std::string& text);
     void osdStart(const std::string& text);

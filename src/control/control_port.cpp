@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "remote/wire_text.h"
+
 bool ControlPort::awaitCommand() {
     using Repair = UDPSocket::Repair;
     constexpr int kFailedMs = 5'000;
@@ -9,15 +11,16 @@ bool ControlPort::awaitCommand() {
     if (socket_.waitForDatagram(isWell_ ? kWellMs : kFailedMs)) {
         return true;
     }
-    const Repair port = socket_.repairPort(kKvmSetPort);
+    const Repair port = socket_.repairPort(wire::kCommandPort);
     if (port == Repair::kDone) {
         socket_.SetMulticastTTL(kMulticastTtl);
-        std::printf("control port %u is open now\n", kKvmSetPort);
+        std::printf("control port %d is open now\n", wire::kCommandPort);
     }
-    const Repair group = joinsGroup_ ? socket_.repairMemberShip(kControlGroup, kControlInterface)
-                                     : Repair::kNotNeeded;
+    const Repair group = joinsGroup_
+                             ? socket_.repairMemberShip(wire::kControlGroup, kControlInterface)
+                             : Repair::kNotNeeded;
     if (group == Repair::kDone) {
-        std::printf("joined %s on %s\n", kControlGroup, kControlInterface);
+        std::printf("joined %s on %s\n", wire::kControlGroup, kControlInterface);
     }
     isWell_ = port != Repair::kFailed && group != Repair::kFailed;
     return false;

@@ -2,10 +2,8 @@
 
 #include "net/udp_socket.h"
 
-/// The control channel's port and group.
-inline constexpr unsigned kKvmSetPort = 41236;
+/// Of the control channel, whose port and group are wire::kCommandPort and wire::kControlGroup.
 inline constexpr int kMulticastTtl = 64;
-inline constexpr const char* kControlGroup = "224.168.1.1";
 inline constexpr const char* kControlInterface = "eth0";
 
 /// Sees to it that commands can arrive: what failed so far, the port that another program had or

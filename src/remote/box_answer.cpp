@@ -8,12 +8,7 @@
 #include "net/dotted_text.h"
 #include "net/udp_socket.h"
 #include "remote/wire.h"
-
-namespace {
-
-constexpr std::string_view kRequest = "link";
-
-}  // namespace
+#include "remote/wire_text.h"
 
 std::optional<BoxAnswer> askBox(UDPSocket& socket) {
     const BoxInControl box = boxInControl();
@@ -22,7 +17,7 @@ std::optional<BoxAnswer> askBox(UDPSocket& socket) {
         return std::nullopt;
     }
     socket.SendTo(box.curIp.c_str(), static_cast<unsigned>(wire::kQueryPort + box.port_add),
-                  kRequest.data(), static_cast<long>(kRequest.size()));
+                  wire::kQuery.data(), static_cast<long>(wire::kQuery.size()));
     std::array<char, 64> buffer{};
     sockaddr_in sender{};
     const long got = socket.Receive(buffer.data(), static_cast<long>(buffer.size()), sender);

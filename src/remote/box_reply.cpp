@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "remote/wire_text.h"
 
 namespace {
 
@@ -27,15 +28,15 @@ std::optional<ReplyNumber> numberOf(std::string_view text, std::string_view key)
 }
 
 std::optional<PointerMode> modeOf(std::string_view text) {
-    const auto rest = valueOf(text, "kvm=");
+    const auto rest = valueOf(text, wire::kModeKey);
     if (!rest) {
         return std::nullopt;
     }
     const std::string_view word = rest->substr(0, std::min<std::size_t>(rest->find('&'), 4));
-    if (word == "rel") {
+    if (word == wire::kRelativeMode) {
         return PointerMode::kRelative;
     }
-    return word == "abs" ? PointerMode::kAbsolute : PointerMode::kUnchanged;
+    return word == wire::kAbsoluteMode ? PointerMode::kAbsolute : PointerMode::kUnchanged;
 }
 
 }  // namespace
@@ -51,5 +52,5 @@ unsigned GetViNum(const char* address) {
 }
 
 BoxReply parseBoxReply(std::string_view text) {
-    return {numberOf(text, "vi_w="), numberOf(text, "vi_h="), modeOf(text)};
+    return {numberOf(text, wire::kWidthKey), numberOf(text, wire::kHeightKey), modeOf(text)};
 }

@@ -8,6 +8,7 @@
 #include "remote/reports.h"
 #include "remote/selection.h"
 #include "remote/send.h"
+#include "remote/wire_text.h"
 
 /// One algorithm; the directions are rows. Some lines differ between them on purpose.
 
@@ -81,10 +82,8 @@ void printFailure(Direction direction, bool within) {
 
 void notifyOsd() {
     const Standing at = standing();
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "TO:%s,%u,%u", at.name.c_str(), at.cell.x, at.cell.y);
     sendToOsd(qtFlag ? AddressText{AddressText::kThisMachine} : at.name, wire::kOsdCommandPort,
-              bytesOf(text.data()));
+              bytesOf(wire::crossing(at.name.view(), at.cell.x, at.cell.y)));
 }
 
 void putPointer(Axis axis, std::int32_t to) {
