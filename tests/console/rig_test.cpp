@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include "rig/describe.h"
+#include "words/message.h"
 #include "rig/script.h"
 #include "rig/status.h"
 #include "rig/terminal_keys.h"
@@ -19,7 +19,7 @@ TEST(Describe, ShowsWhatIsNotQuiteAReportAsBytes) {
         {0, 0, 0},
     };
     for (const Bytes& bytes : rows) {
-        EXPECT_EQ(rig::describe(bytes).substr(0, 4), "hex ");
+        EXPECT_EQ(words::describe(bytes).substr(0, 4), "hex ");
     }
 }
 

@@ -10,7 +10,7 @@
 #include <array>
 #include <system_error>
 
-#include "rig/describe.h"
+#include "words/message.h"
 
 namespace rig {
 namespace {
@@ -158,7 +158,7 @@ void Box::receive(const Port& port) {
     }
     Report report{
         port.at, {buffer.begin(), buffer.begin() + got}, {}, std::chrono::steady_clock::now()};
-    report.text = describe(report.bytes);
+    report.text = words::describe(report.bytes);
     std::optional<std::string> answer;
     {
         const std::lock_guard hold(guard_);

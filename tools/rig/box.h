@@ -29,7 +29,7 @@ sockaddr_in socketAddress(const Endpoint& end);
 struct Report {
     Endpoint at;                      ///< where it arrived
     std::vector<std::uint8_t> bytes;  ///< at most 2048
-    std::string text;                 ///< the bytes in words, see describe.h
+    std::string text;                 ///< the bytes in words, see words/message.h
     std::chrono::steady_clock::time_point when;
 };
 

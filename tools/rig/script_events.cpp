@@ -1,12 +1,12 @@
 #include <linux/input-event-codes.h>
 
-#include "rig/keys.h"
+#include "words/keys.h"
 #include "rig/script_words.h"
 
 namespace rig {
 namespace {
 
-std::optional<int> nodeFor(EventCode code, const Plan& plan, int lastNode) {
+std::optional<int> nodeFor(words::EventCode code, const Plan& plan, int lastNode) {
     if (code.type == EV_SYN) {
         return lastNode < 0 ? std::nullopt : std::optional(lastNode);
     }
@@ -25,7 +25,7 @@ std::optional<int> nodeFor(EventCode code, const Plan& plan, int lastNode) {
     return at == plan.devices.end() ? std::nullopt : std::optional(at->number);
 }
 
-std::optional<std::int32_t> valueOf(EventCode code, std::string_view text) {
+std::optional<std::int32_t> valueOf(words::EventCode code, std::string_view text) {
     if (code.type == EV_KEY) {
         constexpr std::string_view kValues[] = {"up", "down", "repeat"};
         const auto* at = std::find(std::begin(kValues), std::end(kValues), text);
@@ -43,7 +43,7 @@ std::optional<ScriptEvent> parseEvent(std::string_view text, const Plan& plan, i
         node = nodeNumber(text.substr(0, colon));
         text = trim(text.substr(colon + 1));
     }
-    const auto code = eventCode(takeWord(text));
+    const auto code = words::eventCode(takeWord(text));
     if (!code) {
         return std::nullopt;
     }

@@ -6,7 +6,7 @@
 #include <cctype>
 #include <optional>
 
-#include "rig/keys.h"
+#include "words/keys.h"
 
 namespace rig {
 namespace {
@@ -76,7 +76,7 @@ constexpr Plain kPlain[] = {{' ', KEY_SPACE},
 
 std::uint16_t letterCode(char letter) {
     const int upper = std::toupper(static_cast<unsigned char>(letter));
-    return eventCode(std::string("KEY_") + static_cast<char>(upper))->code;
+    return words::eventCode(std::string("KEY_") + static_cast<char>(upper))->code;
 }
 
 std::optional<Typed> character(char typed) {

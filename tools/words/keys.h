@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace rig {
+namespace words {
 
 /// Type and code of an event, as in linux/input-event-codes.h.
 struct EventCode {
@@ -26,4 +26,4 @@ std::string usageName(std::uint8_t usage);
 /// The names of the modifier bits of a keyboard report, joined with "+"; empty for none.
 std::string modifierNames(std::uint8_t bits);
 
-}  // namespace rig
+}  // namespace words

@@ -1,11 +1,11 @@
-#include "rig/keys.h"
+#include "words/keys.h"
 
 #include <linux/input-event-codes.h>
 
 #include <array>
 #include <cstdio>
 
-namespace rig {
+namespace words {
 namespace {
 
 struct Name {
@@ -119,4 +119,4 @@ std::string modifierNames(std::uint8_t bits) {
     return names;
 }
 
-}  // namespace rig
+}  // namespace words
