@@ -5,6 +5,7 @@
 
 #include "app/board.h"
 #include "app/user_list.h"
+#include "capture/pcap.h"
 #include "config/config_lines.h"
 #include "control/hotkey_table.h"
 #include "ctl/check.h"
@@ -14,6 +15,8 @@
 #include "remote/box_reply.h"
 #include "remote/map_text.h"
 #include "simulated/console.h"
+#include "words/hex.h"
+#include "words/message.h"
 
 /// Everything that reads what comes from outside, each as one target. What must hold whatever comes
 /// is checked; the sanitizers see to the rest.
@@ -107,6 +110,29 @@ void forEachPiece(std::string_view text, Take take) {
         console.happensNow({simulated::Operation::kKey, 0, 0, 0, 0});
         console.order(piece.substr(0, piece.find('\0')));
     });
+}
+
+/// A file of packets, or one datagram whose first bytes are its ports; also as hex.
+[[maybe_unused]] void decode(std::string_view text) {
+    const auto look = [](words::Bytes bytes, words::Ports ports) {
+        const words::Message message = words::decode(bytes, ports);
+        for (const words::Field& field : message.fields) {
+            require(field.at + field.size <= bytes.size());
+        }
+        require(!words::table(bytes, message).empty());
+        require(words::bytesOfHex(words::hexText(bytes)) ==
+                std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+    };
+    capture::readPcap(text, [&](const capture::Datagram& datagram) {
+        look(datagram.bytes, {datagram.from.port, datagram.to.port});
+    });
+    words::bytesOfHex(text);
+    const words::Bytes bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    capture::datagramIn(bytes);
+    constexpr int kPorts[] = {0, 80, 2000, 41236, 41237, 41238};
+    for (const int port : kPorts) {
+        look(bytes, {0, port});
+    }
 }
 
 [[maybe_unused]] void answer(std::string_view text) {

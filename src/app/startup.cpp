@@ -27,11 +27,11 @@
 #include "remote/handover.h"
 #include "remote/source_query.h"
 #include "remote/wall_notes.h"
+#include "remote/wire.h"
 #include "remote/wire_text.h"
 
 namespace {
 
-constexpr unsigned kInputSocketPort = 19357;
 constexpr int kJoinAttempts = 10;
 constexpr int kPriority = 0;
 constexpr int kPolicy = 1;  // SCHED_FIFO
@@ -74,7 +74,7 @@ void learnLocalAddress() {
 
 void openInputSocket() {
     auto* socket = new UDPSocket;  // lives as long as the process
-    socket->CreateUDPServer(kInputSocketPort, 1, true, true);
+    socket->CreateUDPServer(wire::kReportSourcePort, 1, true, true);
     InputSocket = socket;
 }
 

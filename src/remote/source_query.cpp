@@ -9,18 +9,18 @@
 #include "remote/box_in_control.h"
 #include "remote/box_presence.h"
 #include "remote/picture.h"
+#include "remote/wire.h"
 
 namespace {
 
 constexpr std::int64_t kQueryPeriodMicroseconds = 5'000'000;
 constexpr std::int64_t kQuerySlackMicroseconds = 200'000;
-constexpr unsigned kViPort = 19358;
 
 }  // namespace
 
 void* viThr(void* /*unused*/) {
     auto* socket = new UDPSocket;  // lives as long as the process
-    socket->CreateUDPServer(kViPort, 1, true, true);
+    socket->CreateUDPServer(wire::kQuerySourcePort, 1, true, true);
     InputViSocket = socket;
     const DeferredLog log;  // the log's thread wakes once a query, not once a line
     BoxPresence presence;

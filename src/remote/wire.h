@@ -84,6 +84,9 @@ inline constexpr int kMirrorPort = 41273;
 inline constexpr int kQueryPort = 80;
 inline constexpr int kOsdCommandPort = 41237;
 inline constexpr int kOsdKeyPort = 41238;
+/// Where reports and queries come from, and where queries come from that are made every 5 s.
+inline constexpr int kReportSourcePort = 19357;
+inline constexpr int kQuerySourcePort = 19358;
 
 /// Puts the low 16 bits of `value` at `at`, low byte first.
 constexpr void put16(std::uint8_t* bytes, std::size_t at, std::int32_t value) {

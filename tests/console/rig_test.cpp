@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
 
-#include "words/message.h"
 #include "rig/script.h"
 #include "rig/status.h"
 #include "rig/terminal_keys.h"
+#include "words/message.h"
 
 namespace {
 

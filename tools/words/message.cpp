@@ -1,11 +1,10 @@
 #include "words/message.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <optional>
 #include <string_view>
 
+#include "words/hex.h"
 #include "words/reports.h"
 #include "words/texts.h"
 
@@ -27,16 +26,6 @@ std::string oneLine(std::string_view text) {
         line += letter == '\n' ? std::string("\\n") : std::string(1, letter);
     }
     return line;
-}
-
-std::string hex(Bytes bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        std::array<char, 4> pair{};
-        std::snprintf(pair.data(), pair.size(), "%02x", byte);
-        text += (text.empty() ? "" : " ") + std::string(pair.data());
-    }
-    return text;
 }
 
 std::string padded(std::string text, std::size_t width) {
@@ -67,7 +56,7 @@ Message decode(Bytes bytes, Ports ports) {
     }
     const auto text = textOf(bytes);
     if (!text) {
-        message.words = "hex " + hex(bytes);
+        message.words = "hex " + hexText(bytes);
         return message;
     }
     decodeText(*text, ports, message);
@@ -101,7 +90,7 @@ std::string table(Bytes bytes, const Message& message) {
             size += field.size;
             meaning += (meaning.empty() || said.empty() ? "" : " ") + said;
         }
-        lines += row(first.at, hex(bytes.subspan(first.at, size)), first.name, meaning);
+        lines += row(first.at, hexText(bytes.subspan(first.at, size)), first.name, meaning);
     }
     return lines;
 }
