@@ -21,7 +21,7 @@ struct Field {
     std::size_t at = 0;    ///< offset of its first byte
     std::size_t size = 0;  ///< in bytes
     std::string name;      ///< as docs/wireshark/tavrik.lua has it behind "tavrik."
-    std::string value;     ///< a decimal number, or the text itself
+    std::string value;     ///< a decimal number, the text itself, or bytes as 57:ab:01
     std::string meaning;   ///< in words; empty when the value says it
 };
 

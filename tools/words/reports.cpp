@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "remote/wire.h"
+#include "words/hex.h"
 #include "words/keys.h"
 
 namespace words {
@@ -67,10 +68,8 @@ class Filler {
     Filler(Bytes bytes, Message& message) : bytes_(bytes), message_(message) {}
 
     void head(std::size_t size, const char* meaning) {
-        std::string value;
-        for (const std::uint8_t byte : bytes_.subspan(at_, size)) {
-            value += (value.empty() ? "" : ":") + hexByte(byte).substr(2);
-        }
+        std::string value = hexText(bytes_.subspan(at_, size));
+        std::ranges::replace(value, ' ', ':');
         add(size, "head", value, meaning);
     }
     void byte(const char* name, const std::string& meaning = "") {

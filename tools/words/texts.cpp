@@ -19,9 +19,10 @@ struct Piece {
     Text text;
 };
 
+/// What stands between the marks; nothing behind the last.
 std::vector<Piece> pieces(Text text, std::size_t from, char between) {
     std::vector<Piece> found;
-    while (from <= text.size()) {
+    while (from < text.size()) {
         const std::size_t end = std::min(text.find(between, from), text.size());
         found.push_back({from, text.substr(from, end - from)});
         from = end + 1;
