@@ -277,8 +277,8 @@ Command addSend(CLI::App& app) {
     addOrder(*send, *options, "osd", "on or off: keys go to the OSD, or to the computer again");
     addOrder(*send, *options, "preview", "off: out of the preview");
     addOrder(*send, *options, "kvm", "off: out of the KVM mode");
-    addOrder(*send, *options, "pause", "touch input pauses, and what is down is let go of");
-    addOrder(*send, *options, "continue", "touch input goes on");
+    addOrder(*send, *options, "pause", "mouse and touch panel rest");
+    addOrder(*send, *options, "continue", "mouse and touch panel go on");
     addOrder(*send, *options, "mto", "COLUMN ROW: control goes to that screen");
     for (const auto& [name, what] :
          {std::pair("relation", "the wall's screens, as 0,0,192.168.1.20; \"none\": no control"),

@@ -19,6 +19,17 @@ constexpr std::size_t kLargestReport = 2048;
 constexpr std::size_t kMostReports = 100000;
 constexpr std::string_view kQuery = "link";
 
+/// What a program in the place of a box tells in a line: a port, perhaps, and words.
+Report told(const std::string& line) {
+    Report report;
+    report.when = std::chrono::steady_clock::now();
+    const std::size_t digits = std::min(line.find_first_not_of("0123456789"), line.size());
+    const bool hasPort = digits > 0 && digits < line.size() && line[digits] == ' ';
+    report.at.port = static_cast<std::uint16_t>(hasPort ? std::atoi(line.c_str()) : 0);
+    report.text = line.substr(hasPort ? digits + 1 : 0);
+    return report;
+}
+
 bool sendFrom(int fd, const Endpoint& to, std::string_view text) {
     const sockaddr_in address = socketAddress(to);
     return sendto(fd, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&address),
@@ -42,10 +53,25 @@ Box::Box(std::vector<Endpoint> ends, std::optional<std::string> answer, Observer
     thread_ = std::thread(&Box::serve, this);
 }
 
+Box::Box(std::unique_ptr<OutsideProgram> program, Observer observer)
+    : program_(std::move(program)),
+      ports_{{{}, program_->descriptor()}},
+      observer_(std::move(observer)),
+      answer_("its own") {
+    constexpr int kStartMs = 10'000;
+    if (!program_->waitForLine(kStartMs)) {
+        throw std::system_error(ETIMEDOUT, std::generic_category(), "the program in its place");
+    }
+    stop_ = eventfd(0, EFD_CLOEXEC);
+    thread_ = std::thread(&Box::serve, this);
+}
+
 Box::~Box() {
     eventfd_write(stop_, 1);
     thread_.join();
-    closeAll();
+    if (!program_) {
+        closeAll();
+    }
     close(stop_);
 }
 
@@ -142,11 +168,20 @@ void Box::serve() {
             if (waits[i].revents != 0) {
                 receive(ports_[i]);
             }
+            if (program_ && program_->hasEnded()) {
+                waits[i].fd = -1;
+            }
         }
     }
 }
 
 void Box::receive(const Port& port) {
+    if (program_) {
+        for (const std::string& line : program_->lines()) {
+            take(told(line));
+        }
+        return;
+    }
     std::array<std::uint8_t, kLargestReport> buffer{};
     sockaddr_in sender{};
     socklen_t length = sizeof(sender);
@@ -159,23 +194,37 @@ void Box::receive(const Port& port) {
     Report report{
         port.at, {buffer.begin(), buffer.begin() + got}, {}, std::chrono::steady_clock::now()};
     report.text = words::describe(report.bytes);
+    if (report.text == kQuery) {
+        asked(port, {inet_ntoa(sender.sin_addr), ntohs(sender.sin_port)});
+    } else {
+        take(report);
+    }
+}
+
+void Box::asked(const Port& port, const Endpoint& asker) {
     std::optional<std::string> answer;
     {
         const std::lock_guard hold(guard_);
-        if (report.text == kQuery) {
-            ++queries_;
-            asker_ = {inet_ntoa(sender.sin_addr), ntohs(sender.sin_port)};
-            askedPort_ = port.fd;
-            answer = answer_;
-        } else if (reports_.size() < kMostReports) {
+        ++queries_;
+        asker_ = asker;
+        askedPort_ = port.fd;
+        answer = answer_;
+    }
+    changed_.notify_all();
+    if (answer) {
+        sendFrom(port.fd, asker, *answer);
+    }
+}
+
+void Box::take(const Report& report) {
+    {
+        const std::lock_guard hold(guard_);
+        if (reports_.size() < kMostReports) {
             reports_.push_back(report);
         }
     }
     changed_.notify_all();
-    if (answer) {
-        sendFrom(port.fd, {inet_ntoa(sender.sin_addr), ntohs(sender.sin_port)}, *answer);
-    }
-    if (observer_ && report.text != kQuery) {
+    if (observer_) {
         observer_(report);
     }
 }

@@ -7,12 +7,15 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
+
+#include "rig/outside.h"
 
 namespace rig {
 
@@ -44,6 +47,11 @@ class Box {
     /// Binds every end and starts listening. Throws std::system_error when a bind fails.
     explicit Box(std::vector<Endpoint> ends, std::optional<std::string> answer = std::nullopt,
                  Observer observer = {});
+
+    /// A program of somebody else's in the place of the box: what it prints in a line is a report's
+    /// text, behind a number the port. Its first line says that it listens; it is waited for.
+    /// Throws std::system_error when it does not come.
+    explicit Box(std::unique_ptr<OutsideProgram> program, Observer observer = {});
     ~Box();
     Box(const Box&) = delete;
     Box& operator=(const Box&) = delete;
@@ -80,7 +88,10 @@ class Box {
     void closeAll();
     void serve();
     void receive(const Port& port);
+    void asked(const Port& port, const Endpoint& asker);
+    void take(const Report& report);
 
+    std::unique_ptr<OutsideProgram> program_;
     std::vector<Port> ports_;
     int stop_ = -1;  ///< eventfd, readable when the thread has to end
     Observer observer_;

@@ -14,13 +14,20 @@ void showReport(const std::string& name, const rig::Report& report) {
     rig::show(name + "  " + report.text);
 }
 
-int play(const std::string& file, bool log) {
+/// `programs`: "box 127.0.0.31=COMMAND" or "osd=COMMAND" each.
+int play(const std::string& file, bool log, const std::vector<std::string>& programs = {}) {
     const rig::ParsedScript parsed = rig::loadScript(file);
     if (!parsed.script) {
         std::fprintf(stderr, "tavrik-rig: %s\n", parsed.problem.c_str());
         return 1;
     }
-    rig::World world(parsed.script->plan, showReport);
+    rig::Plan plan = parsed.script->plan;
+    plan.virtualClock = parsed.script->quick;
+    for (const std::string& program : programs) {
+        const std::size_t equals = std::min(program.find('='), program.size() - 1);
+        plan.programs[program.substr(0, equals)] = program.substr(equals + 1);
+    }
+    rig::World world(plan, showReport);
     const auto lines = [](std::string_view line) { rig::show("  | " + std::string(line)); };
     const auto faults = runScript(*parsed.script, world,
                                   log ? rig::Daemon::Observer(lines) : rig::Daemon::Observer());
@@ -50,13 +57,17 @@ int run(int argc, char** argv) {
     app.fallthrough();
     app.add_subcommand("demo", "Play a short tour and check what every box receives");
     std::string file = TAVRIK_TOUR;
-    app.add_subcommand("play", "Play a script and check what every box receives")
-        ->add_option("FILE", file, "its words are in tools/rig/SCRIPTS.md")
-        ->required();
+    std::vector<std::string> programs;
+    auto* script = app.add_subcommand("play", "Play a script and check what every box receives");
+    script->add_option("FILE", file, "its words are in tools/rig/SCRIPTS.md")->required();
+    script->add_option(
+        "--program", programs,
+        "\"box ADDRESS=COMMAND\" or \"osd=COMMAND\": stands in its place, and its lines "
+        "count as what it received");
     const CLI::App* byHand = app.add_subcommand("drive", "Drive it from this terminal");
     CLI11_PARSE(app, argc, argv);
     rig::enterOwnNetwork();  // where that is refused, the machine's own loopback serves
-    return byHand->parsed() ? driveByHand(log) : play(file, log);
+    return byHand->parsed() ? driveByHand(log) : play(file, log, programs);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include <linux/input-event-codes.h>
 
-#include "words/keys.h"
 #include "rig/script_words.h"
+#include "words/keys.h"
 
 namespace rig {
 namespace {

@@ -29,7 +29,7 @@ class Player {
     void emit(const Step& step);
     void oddity(const Step& step);
     void pause(const Step& step);
-    void expectReport(const Step& step, Box& box, const std::string& name);
+    void expectReport(const Step& step, Box& box, const std::string& name, std::uint16_t port = 0);
     void expectAtBox(const Step& step);
     void expectLine(const Step& step);
     void expectNothing(const Step& step, Milliseconds limit);
@@ -83,7 +83,8 @@ void Player::run(const Step& step) {
         case Step::Kind::kBox:
             return expectAtBox(step);
         case Step::Kind::kOsd:
-            return expectReport(step, world_.osd(portOf(step.where)), "osd " + step.where);
+            return expectReport(step, world_.osd(portOf(step.where)), "osd " + step.where,
+                                portOf(step.where));
         case Step::Kind::kLine:
             return expectLine(step);
         case Step::Kind::kSend:
@@ -180,14 +181,14 @@ void Player::expectAtBox(const Step& step) {
     if (!world_.hasBox(address)) {
         return fault(step, "a box at " + address, "no such box");
     }
-    expectReport(step, world_.box(address), "box " + step.where);
+    const std::size_t colon = step.where.find(':');
+    expectReport(
+        step, world_.box(address), "box " + step.where,
+        colon == std::string::npos ? std::uint16_t{0} : portOf(step.where.substr(colon + 1)));
 }
 
-void Player::expectReport(const Step& step, Box& box, const std::string& name) {
-    const std::size_t colon = step.where.find(':');
-    const auto report =
-        box.next(kExpectLimit, colon == std::string::npos ? std::uint16_t{0}
-                                                          : portOf(step.where.substr(colon + 1)));
+void Player::expectReport(const Step& step, Box& box, const std::string& name, std::uint16_t port) {
+    const auto report = box.next(kExpectLimit, port);
     const std::string expected = name + "  " + step.text;
     if (!report) {
         const auto others = world_.leftovers();

@@ -160,11 +160,20 @@ void World::openBoxes(const Observer& observer) {
                 observer(name, report);
             };
         }
-        boxes_[address] = std::make_unique<Box>(ports.ends, ports.answer, watch);
+        const auto program = plan_.programs.find("box " + address);
+        boxes_[address] =
+            program == plan_.programs.end()
+                ? std::make_unique<Box>(ports.ends, ports.answer, watch)
+                : std::make_unique<Box>(std::make_unique<OutsideProgram>(program->second), watch);
     }
 }
 
 void World::openRecorders(const Observer& observer) {
+    if (const auto program = plan_.programs.find("osd"); program != plan_.programs.end()) {
+        osd_[wire::kOsdCommandPort] = osd_[wire::kOsdKeyPort] =
+            std::make_shared<Box>(std::make_unique<OutsideProgram>(program->second));
+        return;
+    }
     std::set<std::string> addresses{"127.0.0.1", plan_.local};
     for (const std::string& address : outputs(plan_)) {
         addresses.insert(address);
@@ -182,7 +191,7 @@ void World::openRecorders(const Observer& observer) {
                 observer(name, report);
             };
         }
-        osd_[port] = std::make_unique<Box>(ends, std::nullopt, watch);
+        osd_[port] = std::make_shared<Box>(ends, std::nullopt, watch);
     }
 }
 
@@ -259,7 +268,9 @@ std::vector<std::string> World::leftovers() const {
     }
     for (const auto& [port, box] : osd_) {
         for (const Report& report : box->pending()) {
-            found.push_back("osd " + std::to_string(port) + "  " + report.text);
+            if (report.at.port == port) {
+                found.push_back("osd " + std::to_string(port) + "  " + report.text);
+            }
         }
     }
     return found;

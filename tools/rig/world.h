@@ -37,6 +37,8 @@ struct Plan {
     std::vector<std::string> users;
     std::map<std::string, std::string> settings;
     std::vector<std::string> options;  ///< of the daemon's command line
+    /// Programs in the place of "box 127.0.0.31" or "osd", see Box.
+    std::map<std::string, std::string> programs;
     bool virtualClock = false;  ///< the daemon's clock is what setTime says, and it waits for boxes
 };
 
@@ -102,7 +104,7 @@ class World {
     Stamp time_{1000, 0};
     int speed_ = 1;
     std::map<std::string, std::unique_ptr<Box>> boxes_;
-    std::map<std::uint16_t, std::unique_ptr<Box>> osd_;
+    std::map<std::uint16_t, std::shared_ptr<Box>> osd_;  ///< one program may have both ports
     std::unique_ptr<Box> control_;
     std::unique_ptr<Daemon> daemon_;
 };

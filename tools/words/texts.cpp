@@ -111,8 +111,8 @@ constexpr std::array<CommandMeaning, wire::kCommands.size()> kCommandMeanings{{
     {"the wall's screens", fillRelation},
     {"the cells of one screen", fillDetails},
     {"the key combinations of the OSD", fillHotkeys},
-    {"touch input pauses", fillNothing},
-    {"touch input goes on", fillNothing},
+    {"mouse and touch panel rest", fillNothing},
+    {"they go on", fillNothing},
     {"control goes to a screen", fillPlace},
     {"the device status is asked for", fillStatusQuery},
 }};
