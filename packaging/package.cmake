@@ -29,7 +29,8 @@ if(TAVRIK_TOOLS)
   install(FILES ${compressed}/tavrikctl.1.gz DESTINATION share/man/man1 COMPONENT tools)
   install(FILES packaging/tavrikctl.bash DESTINATION share/bash-completion/completions RENAME tavrikctl
           COMPONENT tools)
-  install(FILES packaging/copyright ${compressed}/changelog.gz DESTINATION share/doc/tavrik-tools COMPONENT tools)
+  install(FILES packaging/copyright ${compressed}/changelog.gz docs/protocol.md docs/wireshark/tavrik.lua
+          DESTINATION share/doc/tavrik-tools COMPONENT tools)
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -51,10 +52,11 @@ keyboards, mice and touch panel and forwards keys, pointer and wheel over UDP
 to the input box that is now controlled; when the pointer leaves a screen's
 edge, control passes on to the neighbour.")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
-    "check and draw the settings of a networked keyboard, video and mouse wall
+    "check settings and command consoles of a keyboard, video and mouse wall
 tavrikctl tells every mistake in the settings file of a tavrik console before
 the console is started with it, mends the file and draws the wall that it
-describes.")
+describes. It sends commands to consoles, asks for their devices, and tells
+datagrams in words. A dissector for Wireshark lies beside it.")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_RECOMMENDS net-tools)
 set(CPACK_DEBIAN_DAEMON_PACKAGE_CONTROL_EXTRA
     ${CMAKE_SOURCE_DIR}/packaging/postinst ${CMAKE_SOURCE_DIR}/packaging/prerm

@@ -45,6 +45,8 @@ plays tests/console/scripts/tap.script "box 127.0.0.31" "box.py 127.0.0.31 8080"
 plays tests/console/scripts/tap.script osd osd.py
 plays tests/docs/scripts/own_osd.script osd osd.py
 
+"$here/walls.sh" "$tools/ctl/tavrikctl" "$@"
+echo "  ok    the walls of docs/walls.md are those of their files"
 "$here/sheet.sh" "$@"
 echo "  ok    the guide is one sheet"
 [[ ${1:-} == --update ]] || "$here/pages.sh"

@@ -261,7 +261,7 @@ int runStatus(const StatusOptions& options) {
 CLI::App* addOrder(CLI::App& send, SendOptions& options, const std::string& name,
                    const std::string& what) {
     auto* command = send.add_subcommand(name, what);
-    command->add_option("WORDS", options.words);
+    command->add_option("WORDS", options.words, what);
     command->callback([&options, name] { options.name = name; });
     return command;
 }
@@ -295,6 +295,13 @@ Command addSend(CLI::App& app) {
     send->add_flag("--dry-run", options->isDry, "show the datagram, send nothing");
     send->add_flag("--yes", options->isSure, "do not ask before saved settings are replaced");
     send->add_flag("--json", options->isJson, "show it as JSON");
+    send->footer(
+        "Examples:\n"
+        "  tavrikctl send osd on --to 192.168.1.20\n"
+        "  tavrikctl send mto 1 0 --to 192.168.1.20\n"
+        "  tavrikctl send hotkey CTRL+F1 ALT+2 --to 192.168.1.20 --dry-run\n"
+        "  tavrikctl send relation --from tav_rik.ini --to 192.168.1.20\n"
+        "  tavrikctl send details --from tav_rik.ini --all-consoles --yes");
     return {send, [options] {
                 if (options->to.empty() && !options->goesToAll) {
                     return failed(kUsage, "--to or --all-consoles is missing");
@@ -312,6 +319,7 @@ Command addStatus(CLI::App& app) {
         ->required()
         ->check(CLI::ValidIPV4);
     status->add_flag("--json", options->isJson, "as JSON");
+    status->footer("Example:\n  tavrikctl status 192.168.1.20");
     return {status, [options] { return runStatus(*options); }};
 }
 

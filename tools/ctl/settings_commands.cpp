@@ -133,6 +133,7 @@ Command addCheck(CLI::App& app) {
     auto* fix = command->add_flag("--fix", options->fixes, "show how it would be without any");
     command->add_flag("--in-place", options->isInPlace, "and write it so")->needs(fix);
     json->excludes(fix);
+    command->footer("Example:\n  tavrikctl check tav_rik.ini && scp tav_rik.ini root@BOARD:/data/");
     return {command, [options] { return runCheck(*options); }};
 }
 
@@ -141,6 +142,7 @@ Command addDraw(CLI::App& app) {
     auto* command = app.add_subcommand("draw", "Draw the wall");
     addCommon(*command, *options);
     command->add_option("--svg", options->svg, "into this file, as a picture");
+    command->footer("Example:\n  tavrikctl draw --svg wall.svg tav_rik.ini");
     return {command, [options] { return runDraw(*options); }};
 }
 

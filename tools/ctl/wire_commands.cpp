@@ -152,6 +152,10 @@ Command addDecode(CLI::App& app) {
     decode->add_option("--port", options->port, "to which a datagram in hex went")
         ->check(CLI::Range(1, 65535));
     decode->add_flag("--json", options->isJson, "as JSON; of a pcap file an object a line");
+    decode->footer(
+        "Examples:\n"
+        "  tavrikctl decode 57 ab 01 02 00 04 00 00 00 00 00\n"
+        "  tcpdump -i eth0 -w wall.pcap udp; tavrikctl decode wall.pcap");
     return {decode, [options] { return runDecode(*options); }};
 }
 
@@ -161,6 +165,7 @@ Command addWatch(CLI::App& app) {
         "watch", "Tell what reaches the OSD, as it comes, and take nothing from it");
     watch->add_option("--count", options->count, "end after so many")->check(CLI::PositiveNumber);
     watch->add_flag("--json", options->isJson, "an object of JSON a line");
+    watch->footer("Example:\n  sudo tavrikctl watch");
     return {watch, [options] { return runWatch(*options); }};
 }
 

@@ -174,6 +174,9 @@ class SvgCanvas : public Canvas {
                  "/>\n";
     }
     void text(std::size_t x, std::size_t y, const std::string& text, bool isMarked) override {
+        if (text.empty()) {
+            return;
+        }
         body_ += "<text x=\"" + pixels(x, kWide) + "\" y=\"" +
                  std::to_string(y * kHigh + kHigh * 3 / 4) + "\"" +
                  (isMarked ? " class=\"here\"" : "") + ">" + escaped(text) + "</text>\n";
@@ -183,8 +186,9 @@ class SvgCanvas : public Canvas {
         const std::string height = pixels(size.height + 1, kHigh);
         return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"-8 -8 " + width + ' ' + height +
                "\" width=\"" + width + "\" height=\"" + height +
-               "\">\n<style>rect{fill:none;stroke:#444}rect.here{stroke:#06c;stroke-width:3}"
-               "text{font:13px monospace}text.here{font-weight:bold;fill:#06c}</style>\n"
+               "\" font-family=\"monospace\" font-size=\"13\">\n"
+               "<style>rect{fill:none;stroke:#444}rect.here{stroke:#06c;stroke-width:3}"
+               "text.here{font-weight:bold;fill:#06c}</style>\n"
                "<rect x=\"-8\" y=\"-8\" width=\"100%\" height=\"100%\" style=\"fill:#fff;stroke:none\"/>\n" +
                body_ + "</svg>\n";
     }
