@@ -23,6 +23,10 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 "$tools/docs/tavrik-docs" docs/protocol.md tests/console/scripts --pcap "$scratch/capture.pcap" "$@"
+# Each form of report in the header is told, under a name of its own.
+forms=$(grep -c '^using .* = std::array<std::uint8_t' src/remote/wire.h)
+told=$(sed -n 's/^<!-- \([a-z -]*report[a-z ]*\): .*/\1/p' docs/protocol.md | sort -u | wc -l)
+((forms == told)) || give_up "src/remote/wire.h has $forms forms of reports, docs/protocol.md tells $told"
 echo "  ok    every message of the wire has its example in docs/protocol.md"
 python3 "$here/dissector.py" "$scratch/capture.pcap" "$tools/ctl/tavrikctl" docs/wireshark/tavrik.lua
 
@@ -37,7 +41,7 @@ program "Write your own OSD" osd.py
 # plays SCRIPT WHAT PROGRAM...: with that program in the place of a box or the OSD.
 plays() {
     "$tools/rig/tavrik-rig" play "$1" --program "$2=python3 $scratch/$3" >"$scratch/log" 2>&1 ||
-        { cat "$scratch/log" && return 1; }
+        { cat "$scratch/log"; return 1; }
     echo "  ok    ${1##*/} with $3 of docs/protocol.md as $2"
 }
 plays tests/console/scripts/edge_left_right.script "box 127.0.0.32" "box.py 127.0.0.32 8080"

@@ -6,16 +6,21 @@ ctl=$(realpath "$1")
 cd "$(dirname "$0")/../../docs"
 drawn=$(mktemp)
 trap 'rm -f "$drawn"' EXIT
+fail() {
+    echo "$1"
+    exit 1
+}
+
 for file in walls/*.ini; do
-    checked=$("$ctl" check --console 192.168.1.20 "$file") && [[ $checked == "$file: fine;"* ]] || {
-        echo "$checked"
-        exit 1
-    }
-    grep '^kOutIpmap' "$file" | while read -r line; do
-        grep -qxF "$line" walls.md || { echo "docs/walls.md has not: $line" && exit 1; }
+    checked=$("$ctl" check --console 192.168.1.20 "$file") || fail "$checked"
+    [[ $checked == "$file: fine;"* ]] || fail "$checked"
+    mapfile -t lines < <(grep '^kOutIpmap' "$file")
+    for line in "${lines[@]}"; do
+        grep -qxF "$line" walls.md || fail "docs/walls.md has not: $line"
     done
     "$ctl" draw --console 192.168.1.20 --svg "$drawn" "$file"
-    [[ ${2:-} != --update ]] || cat "$drawn" >"${file%.ini}.svg"
-    cmp "$drawn" "${file%.ini}.svg" || { echo "${file%.ini}.svg is not the wall: ./test --docs --update" && exit 1; }
-    grep -qF "(${file%.ini}.svg)" walls.md || { echo "docs/walls.md does not show ${file%.ini}.svg" && exit 1; }
+    picture=${file%.ini}.svg
+    [[ ${2:-} != --update ]] || cat "$drawn" >"$picture"
+    cmp "$drawn" "$picture" || fail "$picture is not the wall: ./test --docs --update"
+    grep -qF "($picture)" walls.md || fail "docs/walls.md does not show $picture"
 done

@@ -17,19 +17,18 @@ words::Message messageOf(const capture::Datagram& datagram) {
     return words::decode(datagram.bytes, {datagram.from.port, datagram.to.port});
 }
 
-/// One of the daemon's own, or that of a program which has any.
-std::string fromText(int port) {
-    constexpr int kOwn[] = {wire::kCommandPort, wire::kReportSourcePort, wire::kQuerySourcePort};
-    constexpr int kFirstOfAny = 32768;  // the kernel gives these to whoever asks for none
-    return std::find(std::begin(kOwn), std::end(kOwn), port) == std::end(kOwn) &&
-                   port >= kFirstOfAny
-               ? "any port"
-               : "port " + std::to_string(port);
+/// Whether the kernel gave it to a program that asked for none.
+bool isAnyPort(int port) {
+    constexpr int kOwn[] = {wire::kCommandPort, wire::kOsdCommandPort, wire::kOsdKeyPort};
+    constexpr int kFirst = 32768;
+    return port >= kFirst && std::find(std::begin(kOwn), std::end(kOwn), port) == std::end(kOwn);
 }
 
 std::string block(const capture::Datagram& datagram, const words::Message& message) {
-    return "from " + fromText(datagram.from.port) + " to port " + std::to_string(datagram.to.port) +
-           "\n" + words::table(datagram.bytes, message);
+    const int from = datagram.from.port, to = datagram.to.port;
+    return "from " + (isAnyPort(from) ? "any port" : "port " + std::to_string(from)) + " to " +
+           (isAnyPort(to) ? "the port that asked" : "port " + std::to_string(to)) + "\n" +
+           words::table(datagram.bytes, message);
 }
 
 class Writer {

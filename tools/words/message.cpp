@@ -96,8 +96,7 @@ std::string table(Bytes bytes, const Message& message) {
 }
 
 std::vector<std::string> messageNames() {
-    std::vector<std::string> names{kKeyboardName, kOsdKeyboardName,  kPointerName,
-                                   kMotionName,   kUserKeyboardName, kUserPointerName};
+    std::vector<std::string> names = reportNames();
     for (std::string& name : textNames()) {
         names.push_back(std::move(name));
     }

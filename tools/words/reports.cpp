@@ -11,10 +11,6 @@
 namespace words {
 namespace {
 
-bool startsWith(Bytes bytes, std::initializer_list<std::uint8_t> head) {
-    return bytes.size() >= head.size() && std::equal(head.begin(), head.end(), bytes.begin());
-}
-
 std::string joined(const std::string& left, const char* between, const std::string& right) {
     return left.empty() || right.empty() ? left + right : left + between + right;
 }
@@ -62,149 +58,162 @@ std::string wheelText(std::uint8_t wheel) {
     return wheel == 0 ? "" : " wheel " + std::to_string(static_cast<std::int8_t>(wheel));
 }
 
-/// Puts fields one behind the other, from a report's start to its end.
-class Filler {
- public:
-    Filler(Bytes bytes, Message& message) : bytes_(bytes), message_(message) {}
-
-    void head(std::size_t size, const char* meaning) {
-        std::string value = hexText(bytes_.subspan(at_, size));
-        std::ranges::replace(value, ' ', ':');
-        add(size, "head", value, meaning);
-    }
-    void byte(const char* name, const std::string& meaning = "") {
-        add(1, name, std::to_string(now()), meaning);
-    }
-    void signedByte(const char* name, const std::string& meaning = "") {
-        add(1, name, std::to_string(static_cast<std::int8_t>(now())), meaning);
-    }
-    void word(const char* name, const std::string& meaning = "") {
-        add(2, name, std::to_string(wire::get16(bytes_.data(), at_)), meaning);
-    }
-    std::uint8_t now() const { return bytes_[at_]; }
-    std::size_t at() const { return at_; }
-
- private:
-    void add(std::size_t size, const char* name, const std::string& value,
-             const std::string& meaning) {
-        message_.fields.push_back({at_, size, name, value, meaning});
-        at_ += size;
-    }
-
-    Bytes bytes_;
-    Message& message_;
-    std::size_t at_ = 0;
-};
-
-/// Modifiers, the reserved byte and the keys up to `end`, as the USB boot keyboard has them.
-void fillKeys(Filler& put, std::size_t end) {
-    put.byte("modifiers", modifierNames(put.now()));
-    put.byte("reserved");
-    while (put.at() < end) {
-        put.byte("key", put.now() == 0 ? "" : usageName(put.now()));
-    }
-}
-
-bool decodeKeyboard(Bytes bytes, Message& message) {
-    if (!startsWith(bytes, {wire::kMagic0, wire::kMagic1, wire::kKeyboardKind})) {
-        return false;
-    }
-    const bool osd = bytes.size() == wire::OsdKeyboard{}.size();
-    if ((!osd && bytes.size() != wire::Keyboard{}.size()) || bytes[wire::kModifiersAt + 1] != 0) {
-        return false;
-    }
-    message.name = osd ? kOsdKeyboardName : kKeyboardName;
-    message.words = keysText(bytes[wire::kModifiersAt],
-                             bytes.subspan(wire::kFirstKeyAt, wire::kLocksAt - wire::kFirstKeyAt));
-    Filler put(bytes, message);
-    put.head(wire::kModifiersAt, "keyboard");
-    fillKeys(put, wire::kLocksAt);
-    if (osd) {
-        const std::string locks = locksText(bytes[wire::kLocksAt]);
-        message.words += " locks " + locks;
-        put.byte("locks", locks);
-    }
-    return true;
-}
-
-bool decodePointer(Bytes bytes, Message& message) {
-    if (bytes.size() != wire::Absolute{}.size() ||
-        !startsWith(bytes, {wire::kMagic0, wire::kMagic1, wire::kAbsoluteKind, 0x01})) {
-        return false;
-    }
-    const std::string buttons = buttonsText(bytes[wire::kButtonsAt]);
-    message.name = kPointerName;
-    message.words = "pointer " + std::to_string(wire::get16(bytes.data(), wire::kXAt)) + "," +
-                    std::to_string(wire::get16(bytes.data(), wire::kYAt)) + " buttons " + buttons +
-                    wheelText(bytes[wire::kWheelAt]);
-    Filler put(bytes, message);
-    put.head(wire::kButtonsAt, "pointer, absolute");
-    put.byte("buttons", buttons);
-    put.word("x");
-    put.word("y");
-    put.signedByte("wheel");
-    return true;
-}
-
 std::string signedText(std::uint8_t byte) {
     const int value = static_cast<std::int8_t>(byte);
     return (value < 0 ? "" : "+") + std::to_string(value);
 }
 
-bool decodeMotion(Bytes bytes, Message& message) {
-    if (bytes.size() != wire::Relative{}.size() ||
-        !startsWith(bytes, {wire::kMagic0, wire::kMagic1, wire::kRelativeKind})) {
-        return false;
-    }
-    const std::string buttons = buttonsText(bytes[wire::kRelButtonsAt]);
-    message.name = kMotionName;
-    message.words = "motion " + signedText(bytes[wire::kRelXAt]) + "," +
-                    signedText(bytes[wire::kRelYAt]) + " buttons " + buttons +
-                    wheelText(bytes[wire::kRelWheelAt]);
-    Filler put(bytes, message);
-    put.head(wire::kRelButtonsAt, "pointer, relative");
-    put.byte("buttons", buttons);
-    put.signedByte("dx");
-    put.signedByte("dy");
-    put.signedByte("wheel");
-    return true;
+/// A number behind the head; what it means is given only where the value does not say it.
+struct Part {
+    const char* name;
+    std::size_t size = 1;
+    bool isSigned = false;
+    std::string (*meaning)(int value) = nullptr;
+};
+
+Field fieldOf(Bytes bytes, std::size_t at, const Part& part) {
+    const int value = part.size == 2  ? wire::get16(bytes.data(), at)
+                      : part.isSigned ? static_cast<std::int8_t>(bytes[at])
+                                      : bytes[at];
+    return {at, part.size, part.name, std::to_string(value),
+            part.meaning == nullptr ? "" : part.meaning(value)};
 }
 
-bool decodeUserPointer(Bytes bytes, Message& message) {
-    if (bytes.size() != wire::UserPointer{}.size() ||
-        !startsWith(bytes, {wire::kUserMagic, 0x00, 0x02, 0x07}) ||
-        bytes[wire::kUserWheelAt] != bytes[wire::kUserWheelAt + 1]) {
-        return false;
-    }
-    const std::string buttons = buttonsText(bytes[wire::kButtonsAt]);
-    const auto scaled = [&bytes](std::size_t at) { return wire::get16(bytes.data(), at); };
-    message.name = kUserPointerName;
-    message.words = "user pointer " + std::to_string(scaled(wire::kXAt)) + "," +
-                    std::to_string(scaled(wire::kYAt)) + " buttons " + buttons +
-                    wheelText(bytes[wire::kUserWheelAt]);
-    Filler put(bytes, message);
-    put.head(wire::kButtonsAt, "pointer of the user list");
-    put.byte("buttons", buttons);
-    put.word("x", "pointer x " + std::to_string(scaled(wire::kXAt) / wire::kUserScaleX));
-    put.word("y", "pointer y " + std::to_string(scaled(wire::kYAt) / wire::kUserScaleY));
-    put.signedByte("wheel");
-    put.signedByte("wheel", "again");
-    return true;
+template <std::string (*ofByte)(std::uint8_t)>
+std::string meaningOf(int value) {
+    return ofByte(static_cast<std::uint8_t>(value));
 }
 
-bool decodeUserKeyboard(Bytes bytes, Message& message) {
-    if (bytes.size() != wire::UserKeyboard{}.size() ||
-        !startsWith(bytes, {wire::kUserMagic, 0x00, 0x01, 0x08}) ||
-        bytes[wire::kUserModifiersAt + 1] != 0) {
-        return false;
-    }
-    message.name = kUserKeyboardName;
-    message.words =
-        "user " + keysText(bytes[wire::kUserModifiersAt], bytes.subspan(wire::kUserKeyAt));
-    Filler put(bytes, message);
-    put.head(wire::kUserModifiersAt, "keyboard of the user list");
-    fillKeys(put, bytes.size());
-    return true;
+std::string keyName(std::uint8_t usage) { return usage == 0 ? "" : usageName(usage); }
+std::string again(int /*value*/) { return "again"; }
+std::string unscaledX(int value) {
+    return "pointer x " + std::to_string(value / wire::kUserScaleX);
+}
+std::string unscaledY(int value) {
+    return "pointer y " + std::to_string(value / wire::kUserScaleY);
+}
+
+std::string keyboardWords(Bytes bytes) {
+    return keysText(bytes[wire::kModifiersAt],
+                    bytes.subspan(wire::kFirstKeyAt, wire::kLocksAt - wire::kFirstKeyAt));
+}
+
+std::string osdKeyboardWords(Bytes bytes) {
+    return keyboardWords(bytes) + " locks " + locksText(bytes[wire::kLocksAt]);
+}
+
+std::string userKeyboardWords(Bytes bytes) {
+    return "user " + keysText(bytes[wire::kUserModifiersAt], bytes.subspan(wire::kUserKeyAt));
+}
+
+std::string pointerWords(Bytes bytes) {
+    return "pointer " + std::to_string(wire::get16(bytes.data(), wire::kXAt)) + "," +
+           std::to_string(wire::get16(bytes.data(), wire::kYAt)) + " buttons " +
+           buttonsText(bytes[wire::kButtonsAt]) + wheelText(bytes[wire::kWheelAt]);
+}
+
+std::string userPointerWords(Bytes bytes) { return "user " + pointerWords(bytes); }
+
+std::string motionWords(Bytes bytes) {
+    return "motion " + signedText(bytes[wire::kRelXAt]) + "," + signedText(bytes[wire::kRelYAt]) +
+           " buttons " + buttonsText(bytes[wire::kRelButtonsAt]) +
+           wheelText(bytes[wire::kRelWheelAt]);
+}
+
+// The user-list pointer has the absolute one's places.
+static_assert(wire::kUserWheelAt == wire::kWheelAt);
+
+constexpr Part kModifiers{"modifiers", 1, false, meaningOf<modifierNames>};
+constexpr Part kKey{"key", 1, false, meaningOf<keyName>};
+constexpr Part kLocks{"locks", 1, false, meaningOf<locksText>};
+constexpr Part kButtons{"buttons", 1, false, meaningOf<buttonsText>};
+constexpr Part kWheel{"wheel", 1, true};
+
+constexpr Part kKeyboardParts[] = {kModifiers, {"reserved"}, kKey, kKey,  kKey,
+                                   kKey,       kKey,         kKey, kLocks};
+constexpr Part kPointerParts[] = {kButtons, {"x", 2}, {"y", 2}, kWheel};
+constexpr Part kUserPointerParts[] = {kButtons,
+                                      {"x", 2, false, unscaledX},
+                                      {"y", 2, false, unscaledY},
+                                      kWheel,
+                                      {"wheel", 1, true, again}};
+constexpr Part kMotionParts[] = {kButtons, {"dx", 1, true}, {"dy", 1, true}, kWheel};
+
+struct Form {
+    const char* name;
+    const char* meaning;  ///< of the head
+    std::array<std::uint8_t, 4> head;
+    std::size_t headSize, size;
+    std::span<const Part> parts;  ///< behind the head, to the report's end
+    std::string (*words)(Bytes);
+    std::size_t zeroAt;   ///< a byte that is 0; 0: none
+    std::size_t againAt;  ///< a byte that the next one repeats; 0: none
+};
+
+constexpr std::span<const Part> kKeys(kKeyboardParts, std::size(kKeyboardParts) - 1);
+const Form kForms[] = {
+    {"keyboard report",
+     "keyboard",
+     {wire::kMagic0, wire::kMagic1, wire::kKeyboardKind},
+     3,
+     wire::Keyboard{}.size(),
+     kKeys,
+     keyboardWords,
+     wire::kModifiersAt + 1,
+     0},
+    {"keyboard report with locks",
+     "keyboard",
+     {wire::kMagic0, wire::kMagic1, wire::kKeyboardKind},
+     3,
+     wire::OsdKeyboard{}.size(),
+     kKeyboardParts,
+     osdKeyboardWords,
+     wire::kModifiersAt + 1,
+     0},
+    {"pointer report",
+     "pointer, absolute",
+     {wire::kMagic0, wire::kMagic1, wire::kAbsoluteKind, 0x01},
+     4,
+     wire::Absolute{}.size(),
+     kPointerParts,
+     pointerWords,
+     0,
+     0},
+    {"relative pointer report",
+     "pointer, relative",
+     {wire::kMagic0, wire::kMagic1, wire::kRelativeKind},
+     3,
+     wire::Relative{}.size(),
+     kMotionParts,
+     motionWords,
+     0,
+     0},
+    {"user-list pointer report",
+     "pointer of the user list",
+     {wire::kUserMagic, 0x00, 0x02, 0x07},
+     4,
+     wire::UserPointer{}.size(),
+     kUserPointerParts,
+     userPointerWords,
+     0,
+     wire::kUserWheelAt},
+    {"user-list keyboard report",
+     "keyboard of the user list",
+     {wire::kUserMagic, 0x00, 0x01, 0x08},
+     4,
+     wire::UserKeyboard{}.size(),
+     kKeys,
+     userKeyboardWords,
+     wire::kUserModifiersAt + 1,
+     0},
+};
+
+bool fits(const Form& form, Bytes bytes) {
+    return bytes.size() == form.size &&
+           std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(form.headSize),
+                      form.head.begin()) &&
+           (form.zeroAt == 0 || bytes[form.zeroAt] == 0) &&
+           (form.againAt == 0 || bytes[form.againAt] == bytes[form.againAt + 1]);
 }
 
 }  // namespace
@@ -215,10 +224,28 @@ std::string hexByte(std::uint8_t byte) {
 }
 
 bool decodeReport(Bytes bytes, Message& message) {
-    constexpr std::array kForms = {decodeKeyboard, decodePointer, decodeMotion, decodeUserPointer,
-                                   decodeUserKeyboard};
-    return std::any_of(kForms.begin(), kForms.end(),
-                       [&](const auto decode) { return decode(bytes, message); });
+    const Form* const form = std::find_if(std::begin(kForms), std::end(kForms),
+                                          [bytes](const Form& row) { return fits(row, bytes); });
+    if (form == std::end(kForms)) {
+        return false;
+    }
+    std::string head = hexText(bytes.first(form->headSize));
+    std::ranges::replace(head, ' ', ':');
+    message = {form->name, form->words(bytes), {{0, form->headSize, "head", head, form->meaning}}};
+    std::size_t at = form->headSize;
+    for (const Part& part : form->parts) {
+        message.fields.push_back(fieldOf(bytes, at, part));
+        at += message.fields.back().size;
+    }
+    return true;
+}
+
+std::vector<std::string> reportNames() {
+    std::vector<std::string> names;
+    for (const Form& form : kForms) {
+        names.emplace_back(form.name);
+    }
+    return names;
 }
 
 }  // namespace words
