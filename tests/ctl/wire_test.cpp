@@ -136,6 +136,7 @@ TEST(Orders, AreRefusedWhenAConsoleWouldNotTakeThemWhole) {
         shown(ctl::simpleOrder("mto", {"1 ", "0"})),
         shown(ctl::simpleOrder("pause", {"now"})),
         shown(ctl::hotkeyOrder({"A#B"})),
+        shown(ctl::hotkeyOrder({"rightalt+2"})),
         shown(ctl::hotkeyOrder({std::string(64, 'A')})),
         shown(ctl::relationOrder(ctl::settingsWith({"0,0,10.0.0.1", "0,0,10.0.0.2"}))),
         shown(ctl::relationOrder(ctl::settingsWith({}))),

@@ -41,6 +41,12 @@ void run(bool arm, char** files, const std::string& disk, Checks& checks) {
         unlink(registers.c_str());
     }
     if (console.service) {
+        const std::string status = machine.shell("tavrikctl status 127.0.0.1");
+        checks.isTrue("tavrikctl tells devices, unit, ports and the last box in control",
+                      status.find(": 1 mouse, 1 keyboard, no touch panel") != std::string::npos &&
+                          status.find("unit active, ports open") != std::string::npos &&
+                          status.find("last box in control: 127.0.0.3") != std::string::npos,
+                      status);
         checks.equal("its log tells no keys", "0",
                      machine.shell("journalctl --namespace=tavrik --output=cat | "
                                    "grep -c -e 'key press' -e type: || true"));

@@ -77,8 +77,8 @@ disk=$(mktemp -d)
 trap 'rm -rf "$disk"' EXIT
 chmod 755 "$disk"
 {
-    "$machine/service_root.sh" "$cache/packages/debian.tar" "$disk" "$deb_pc" "$cache/amd64/root/bin/busybox" \
-        "$build/release/tools/machine/tavrik-target-guest" >"$cache/disk.log" 2>&1 || cat "$cache/disk.log"
+    "$machine/service_root.sh" "$cache/packages/debian.tar" "$disk" "$cache/amd64/root/bin/busybox" \
+        "$build/release/tools/machine/tavrik-target-guest" "$deb_pc" "${deb_pc/tavrik_/tavrik-tools_}" >"$cache/disk.log" 2>&1 || cat "$cache/disk.log"
     "$driver" service "$cache"/amd64/root/boot/vmlinuz-* "$cache/pc.img" "$cache/service.log" "$disk"
 } >"$cache/service.result" 2>&1 || true
 wait "$arm" || true

@@ -60,13 +60,14 @@ Orders ordersOfWords(const SendOptions& options) {
 
 /// What is to be sent, or one line on standard error and nothing.
 std::optional<std::vector<std::string>> textsOf(const SendOptions& options, int& status) {
+    const bool hasWords = !options.words.empty(), hasFile = !options.from.empty();
     status = kUsage;
     Orders orders;
     if (!options.takesSettings()) {
         orders = simpleOrder(options.name, options.words);
-    } else if (options.from.empty() == options.words.empty() && options.name != "details") {
+    } else if (hasWords == hasFile && !(hasFile && options.name == "details")) {
         orders.problem = "either words or --from FILE";
-    } else if (options.from.empty()) {
+    } else if (!hasFile) {
         orders = ordersOfWords(options);
     } else {
         const auto settings = readFile(options.from, kMostSettings);
@@ -78,7 +79,7 @@ std::optional<std::vector<std::string>> textsOf(const SendOptions& options, int&
         orders = options.name == "relation" ? relationOrder(*settings)
                  : options.name == "hotkey"
                      ? hotkeyOrder(hotkeysIn(*settings))
-                     : detailsOrder(*settings, options.words.empty() ? "" : options.words.front());
+                     : detailsOrder(*settings, hasWords ? options.words.front() : "");
     }
     if (!orders.problem.empty()) {
         failed(status, options.name + ": " + orders.problem);

@@ -135,6 +135,9 @@ Orders hotkeyOrder(const std::vector<std::string>& entries) {
         if (key.find('#') != std::string::npos || key.empty()) {
             return refused("an entry is one combination, such as CTRL+F1");
         }
+        if (key.starts_with("RIGHT")) {
+            return refused(key + ": the console puts LEFT before every entry");
+        }
         list += (list.empty() ? "" : "#") + key.substr(key.starts_with(kLeft) ? kLeft.size() : 0);
     }
     if (std::string problem = parseHotkeys(list, true).problem; !problem.empty()) {

@@ -1,19 +1,20 @@
 #!/bin/bash
-# service_root.sh DEBIAN ROOT DEB BUSYBOX GUEST: a Debian in the directory ROOT, with systemd, the package
+# service_root.sh DEBIAN ROOT BUSYBOX GUEST DEB...: a Debian in the directory ROOT, with systemd, the packages
 # DEB installed, and a command loop on its serial console. As root.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 debian=$1
 root=$2
-deb=$3
-busybox=$4
-guest=$5
+busybox=$3
+guest=$4
+debs=("${@:5}")
 
 mkdir -p "$root"
 tar -C "$root" -xf "$debian"
-cp "$deb" "$root/tmp/tavrik.deb"
-chroot "$root" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends /tmp/tavrik.deb
+cp "${debs[@]}" "$root/tmp"
+chroot "$root" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+    "${debs[@]/#*\//\/tmp\/}"
 mkdir -p "$root/version" "$root/etc/systemd/system/tavrik.service.d"
 cp "$busybox" "$root/bin/busybox"
 cp "$guest" "$root/usr/sbin/"

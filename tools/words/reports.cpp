@@ -54,12 +54,14 @@ std::string buttonsText(std::uint8_t buttons) {
     return names.empty() ? "none" : names;
 }
 
+int signedOf(std::uint8_t byte) { return byte < 0x80 ? byte : byte - 0x100; }
+
 std::string wheelText(std::uint8_t wheel) {
-    return wheel == 0 ? "" : " wheel " + std::to_string(static_cast<std::int8_t>(wheel));
+    return wheel == 0 ? "" : " wheel " + std::to_string(signedOf(wheel));
 }
 
 std::string signedText(std::uint8_t byte) {
-    const int value = static_cast<std::int8_t>(byte);
+    const int value = signedOf(byte);
     return (value < 0 ? "" : "+") + std::to_string(value);
 }
 
@@ -73,7 +75,7 @@ struct Part {
 
 Field fieldOf(Bytes bytes, std::size_t at, const Part& part) {
     const int value = part.size == 2  ? wire::get16(bytes.data(), at)
-                      : part.isSigned ? static_cast<std::int8_t>(bytes[at])
+                      : part.isSigned ? signedOf(bytes[at])
                                       : bytes[at];
     return {at, part.size, part.name, std::to_string(value),
             part.meaning == nullptr ? "" : part.meaning(value)};
