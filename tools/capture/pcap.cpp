@@ -84,7 +84,7 @@ std::string readPcap(std::string_view text, const std::function<void(const Datag
     if (link == kLinks.end()) {
         return "its packets are of a kind that is not read (Ethernet, Linux cooked and raw IP are)";
     }
-    const int toMicro = number(file, 0, swapped) == kNanosecondMagic ? 1000 : 1;
+    const std::uint32_t toMicro = number(file, 0, swapped) == kNanosecondMagic ? 1000 : 1;
     std::size_t at = kFileHead;
     while (file.size() - at >= kRecordHead) {
         const std::uint32_t size = number(file, at + 8, swapped);
