@@ -12,6 +12,7 @@
 #include "ctl/show.h"
 #include "input/listing.h"
 #include "net/local_ip.h"
+#include "page/message.h"
 #include "remote/box_reply.h"
 #include "remote/map_text.h"
 #include "simulated/console.h"
@@ -133,6 +134,15 @@ void forEachPiece(std::string_view text, Take take) {
     for (const int port : kPorts) {
         look(bytes, {0, port});
     }
+}
+
+/// What a browser says to the page's server.
+[[maybe_unused]] void browser(std::string_view text) {
+    if (const auto said = page::parseSaid(text)) {
+        require(said->kind != page::Said::Kind::kKey || said->code != 0);
+        require(said->x >= -10'000 && said->y >= -10'000 && said->y <= 10'000);
+    }
+    page::keyOfCode(text);
 }
 
 [[maybe_unused]] void answer(std::string_view text) {

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=tools/rig/build.sh
 . tools/rig/build.sh
-packages+=("${test_packages[@]}" clang-format clang-tidy shellcheck)
+packages+=("${test_packages[@]}" libboost-dev clang-format clang-tidy shellcheck)
 install_missing
 [[ -f build/release/compile_commands.json ]] || cmake --preset release >/dev/null
 
@@ -26,7 +26,7 @@ check() {
 
 # Everything that is no build's: a checkout without history has no list of its files.
 sources() { find "$@" -name '*.cpp' -o -name '*.h' | sort; }
-scripts() { grep -rlE --exclude-dir={build,.git} '^#!.*sh$' . | sort; }
+scripts() { grep -rlE --exclude-dir={build,.git,node_modules} '^#!.*sh$' . | sort; }
 
 check clang-format clang-format --dry-run -Werror < <(sources src tools tests bench fuzz)
 check shellcheck shellcheck -x < <(scripts)

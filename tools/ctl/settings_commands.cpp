@@ -8,16 +8,14 @@
 #include <cstring>
 #include <memory>
 
-#include "base/text.h"
 #include "config/software_config.h"
 #include "config/whole_file.h"
 #include "ctl/check.h"
 #include "ctl/commands.h"
 #include "ctl/loading_run.h"
 #include "ctl/show.h"
+#include "ctl/wall_to_draw.h"
 #include "drawing/wall_drawing.h"
-#include "remote/selection.h"
-#include "silence.h"
 
 namespace ctl {
 namespace {
@@ -73,29 +71,13 @@ int runCheck(const Options& options) {
     return checked.count(Severity::kError) == 0 ? kFine : kMistakes;
 }
 
-drawing::Wall toDraw(const outInf& wall, const std::string& console) {
-    drawing::Wall drawn;
-    for (const auto& [key, screen] : wall.screens) {
-        drawing::Screen& one = drawn[{gridColumn(key), gridRow(key)}];
-        one.name = withoutControls(screen.name.view());
-        one.isHere = !console.empty() && screen.name.view().starts_with(console);
-        for (const auto& [at, cell] : screen.cells) {
-            const std::string name = withoutControls(cell.name.view());
-            const tools::Silence silence;
-            one.cells[{gridColumn(at), gridRow(at)}] = {
-                name.substr(0, name.find('-')), static_cast<unsigned>(get_in_port(name.c_str()))};
-        }
-    }
-    return drawn;
-}
-
 int runDraw(const Options& options) {
     const auto text = readFile(options.file, kSettingsLimit + 1);
     if (!text) {
         return kNothingThere;
     }
     const std::string console = consoleOf(options);
-    const drawing::Wall wall = toDraw(runLoading(*text, console).wall.wall, console);
+    const drawing::Wall wall = wallToDraw(runLoading(*text, console).wall.wall, console);
     if (wall.empty()) {
         return failed(kMistakes, options.file + ": there is no wall in it");
     }

@@ -1,5 +1,6 @@
 #include "rig/isolation.h"
 
+#include <linux/rtnetlink.h>
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -53,6 +54,33 @@ bool enterOwnNetwork() {
         std::exit(1);
     }
     return true;
+}
+
+bool ownEveryAddress() {
+    struct {
+        nlmsghdr head;
+        rtmsg route;
+        rtattr attribute;
+        unsigned interface;
+    } request{};
+    request.head = {sizeof(request), RTM_NEWROUTE, NLM_F_REQUEST | NLM_F_CREATE | NLM_F_ACK, 0, 0};
+    request.route.rtm_family = AF_INET;
+    request.route.rtm_table = RT_TABLE_LOCAL;
+    request.route.rtm_protocol = RTPROT_BOOT;
+    request.route.rtm_scope = RT_SCOPE_HOST;
+    request.route.rtm_type = RTN_LOCAL;
+    request.attribute = {RTA_LENGTH(sizeof(unsigned)), RTA_OIF};
+    request.interface = if_nametoindex("lo");
+    const int fd = socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE);
+    struct {
+        nlmsghdr head;
+        nlmsgerr error;
+    } answer{};
+    const bool isTaken = fd >= 0 && send(fd, &request, sizeof(request), 0) == sizeof(request) &&
+                         recv(fd, &answer, sizeof(answer), MSG_TRUNC) > 0 &&
+                         answer.head.nlmsg_type == NLMSG_ERROR && answer.error.error == 0;
+    close(fd);
+    return isTaken;
 }
 
 }  // namespace rig

@@ -18,6 +18,7 @@ class Status {
 
     /// "127.0.0.31 | pointer 412,300 | held LEFTSHIFT | computer"
     std::string line() const;
+    const std::string& mode() const { return mode_; }
 
  private:
     std::string box_ = "no box yet";

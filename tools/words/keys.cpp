@@ -95,12 +95,19 @@ std::optional<EventCode> eventCode(std::string_view name) {
     return std::nullopt;
 }
 
+std::string eventName(EventCode event) {
+    for (const Name& row : kNames) {
+        if (row.type == event.type && row.code == event.code) {
+            return std::string(row.name);
+        }
+    }
+    return "";
+}
+
 std::string usageName(std::uint8_t usage) {
     const std::uint16_t code = kKeyOfUsage[usage];
-    for (const Name& row : kNames) {
-        if (code != 0 && row.type == EV_KEY && row.code == code) {
-            return std::string(row.name.substr(4));
-        }
+    if (const std::string name = eventName({EV_KEY, code}); code != 0 && !name.empty()) {
+        return name.substr(4);
     }
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), "usage 0x%02X", usage);

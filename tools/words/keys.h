@@ -15,6 +15,8 @@ struct EventCode {
 
 /// The event with that name ("KEY_A", "BTN_LEFT", "REL_WHEEL", "SYN"); nothing when there is none.
 std::optional<EventCode> eventCode(std::string_view name);
+/// Its name; empty for one that has none here.
+std::string eventName(EventCode event);
 
 /// The key that a USB HID keyboard usage means, as the kernel's name without "KEY_" ("A",
 /// "LEFTBRACE"); "usage 0xNN" for a usage that means none.

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+/// The page's web server: files, and one line of messages to each viewer. Everything is called on
+/// the thread that runs it, unless it says otherwise.
+namespace page {
+
+/// Where the page is, and who may see it.
+struct Place {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 8088;  ///< 0: any that is free
+    std::string token;          ///< that a viewer elsewhere has to know; empty on the loopback
+};
+
+/// Opens the listening socket and sets `place.port` to its port. Throws std::system_error.
+int listenAt(Place& place);
+
+class Server {
+ public:
+    static constexpr std::size_t kLargestMessage = 262'144;
+    static constexpr int kMostViewers = 8;
+
+    struct Handlers {
+        std::function<void(int viewer)> opened;
+        std::function<void(int viewer, const std::string& text)> said;
+        std::function<void(int viewer)> closed;
+        /// The latest state for a viewer, asked for when it can take one; empty: nothing is new.
+        std::function<std::string(int viewer)> state;
+    };
+
+    /// Serves the files of the folder `files` and "/socket" on a listening socket, which it takes
+    /// over.
+    Server(int listening, Place place, std::string files, Handlers handlers);
+    ~Server();
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    /// Until end() or a signal that ends programs (SIGINT, SIGTERM, SIGHUP).
+    void run();
+    void end();  ///< any thread
+
+    /// Calls `action` on the server's thread. Any thread.
+    void post(std::function<void()> action);
+    /// Calls `action` again and again, until the server ends.
+    void every(std::chrono::milliseconds period, std::function<void()> action);
+
+    /// Sends a message of its own to one viewer; a viewer that does not take them is dropped.
+    void send(int viewer, std::string text);
+    /// There is a new state: each viewer is given the latest as soon as it can take it, at most 60
+    /// times a second.
+    void changed();
+
+    class Work;
+
+ private:
+    std::unique_ptr<Work> work_;
+};
+
+}  // namespace page
