@@ -1,9 +1,9 @@
 // The page in a real browser, against a real console: what a person does arrives, and nothing stays stuck.
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
-import { mkdtempSync, readFileSync, writeFileSync } from "node:fs";
+import { mkdtempSync, readFileSync } from "node:fs";
 import { connect } from "node:net";
-import { tmpdir } from "node:os";
+import { networkInterfaces, tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, beforeEach, test } from "node:test";
 import { chromium } from "playwright-core";
@@ -45,6 +45,11 @@ async function open(options = {}) {
     await opened.goto(address);
     await until(() => opened.evaluate(() => document.querySelectorAll(".cell.control").length), "a box in control");
     return opened;
+}
+
+/// Kept when pictures are asked for.
+async function picture(of, name) {
+    if (screenshots) { await of.screenshot({ path: join(screenshots, name), fullPage: of.viewportSize().width < 500 }); }
 }
 
 const cell = (n, from = page) => from.locator(".cell").nth(n);
@@ -175,6 +180,7 @@ test("a datagram unfolds to its bytes", async () => {
     await row.getByRole("button").click();
     await until(() => row.locator("table").count(), "the bytes");
     assert.match(await row.locator("table").textContent(), /57 ab 01.*key.*D/s);
+    await picture(page, "page.png");
 });
 
 test("another answer of a box is drawn", async () => {
@@ -223,8 +229,8 @@ test("a changed wall is checked while it is typed, and redrawn when it is applie
 });
 
 /// The status of a socket's opening, with that origin and host.
-function knock(origin, host) {
-    const { hostname, port } = new URL(address);
+function knock(origin, host, at = address) {
+    const { hostname, port } = new URL(at);
     return new Promise((done) => {
         const socket = connect(Number(port), hostname, () => socket.write(
             `GET /socket HTTP/1.1\r\nHost: ${host ?? hostname + ":" + port}\r\nOrigin: ${origin}\r\nUpgrade: websocket\r\n` +
@@ -232,6 +238,49 @@ function knock(origin, host) {
         socket.once("data", (text) => { done(Number(String(text).split(" ")[1])); socket.destroy(); });
     });
 }
+
+test("the tour plays scripts with their captions, and the console comes back", async () => {
+    await page.locator("#tour").click();
+    await until(() => page.locator("#notice").textContent().then((text) => text.startsWith("The pointer crosses")), "a caption");
+    await until(async () => await page.locator(".cell").count() === 3, "the script's wall");
+    await page.locator("#apply").click();
+    await until(async () => await page.locator(".cell").count() === 4, "the console's own wall");
+    await until(() => page.locator("#notice").textContent().then((one) => one === ""), "a console");
+});
+
+test("elsewhere the page asks for its token", async (context) => {
+    const outside = Object.values(networkInterfaces()).flat().find((one) => one.family === "IPv4" && !one.internal);
+    if (!outside) { return context.skip("this machine has no address but its own"); }
+    const { process_, found } = await startServer("--listen", outside.address);
+    try {
+        assert.equal((await fetch(found)).status, 200);
+        assert.equal((await fetch(found.replace(/\?.*/, ""))).status, 403);
+        assert.equal((await fetch(found.replace(/.$/, (last) => last === "0" ? "1" : "0"))).status, 403);
+        assert.equal(await knock(new URL(found).origin, new URL(found).host, found), 403);
+    } finally {
+        process_.kill();
+    }
+});
+
+test("a thousand reports a second leave nothing waiting", async () => {
+    await hold();
+    const before = await page.evaluate(() => Number(document.querySelector("#list li").dataset.n));
+    await page.evaluate(async () => {
+        const { send } = await import("/socket.js");
+        for (let i = 0; i < 300; ++i) {
+            for (let k = 0; k < 10; ++k) { send({ t: "move", x: k % 2 ? 3 : -3, y: 0 }); }
+            await new Promise((done) => setTimeout(done, 10));
+        }
+    });
+    const start = Date.now();
+    await page.keyboard.press("KeyX");
+    await until(async () => (await textOf(0, ".typed")).endsWith("x"), "the key behind them");
+    assert.ok(Date.now() - start < 1000, `${Date.now() - start} ms`);
+    assert.ok(await page.locator("#list li").count() <= 200);
+    const after = await page.evaluate(() => Number(document.querySelector("#list li").dataset.n));
+    assert.ok(after - before > 2900, `${after - before} reports`);
+    await free();
+});
 
 test("a foreign origin or name gets no socket", async () => {
     assert.equal(await knock("http://example.net"), 403);
@@ -269,9 +318,7 @@ for (const width of [360, 1440]) {
         test(`nothing overlaps or is cut at ${width} pixels, ${colorScheme}`, async () => {
             const other = await open({ viewport: { width, height: 900 }, colorScheme });
             assert.deepEqual(await other.evaluate(layoutFaults), []);
-            if (screenshots) {
-                await other.screenshot({ path: join(screenshots, `page-${width}-${colorScheme}.png`), fullPage: true });
-            }
+            await picture(other, `page-${width}-${colorScheme}.png`);
             await other.context().close();
         });
     }

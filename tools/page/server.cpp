@@ -291,7 +291,7 @@ Response Server::Work::answer(const Request& request) const {
         response.result(http::status::forbidden);
         response.body() = "This page is at http://" + place_.address + ":" +
                           std::to_string(place_.port) + " for browsers there alone.\n";
-    } else if (path == "/" && !knowsToken(target)) {
+    } else if ((path == "/" || path == "/socket") && !knowsToken(target)) {
         response.result(http::status::forbidden);
         response.body() = "The address has a token behind it, which is missing here.\n";
     } else if (request.method() != http::verb::get || path == "/socket" || !file) {
