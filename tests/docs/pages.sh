@@ -94,7 +94,26 @@ filters() {
     sed -n '/^table inet/,/^}/p' docs/security.md >"$root/tmp/tavrik.nft" && in_root unshare -n nft -c -f /tmp/tavrik.nft
 }
 
+# The page of ./run, from a clone: it has to answer within two minutes. Its network is this machine's.
+page_answers() {
+    local started=$SECONDS page
+    typed user './run --page --port 8123' >"$root/tmp/page.log" 2>&1 &
+    page=$!
+    until { exec 3<>/dev/tcp/127.0.0.1/8123 && printf 'GET / HTTP/1.1\r\nHost: 127.0.0.1:8123\r\n\r\n' >&3 &&
+        grep -q '200 OK' <(head -n 1 <&3); } 2>/dev/null; do
+        if ! kill -0 "$page" 2>/dev/null || ((SECONDS - started > 120)); then
+            cat "$root/tmp/page.log"
+            return 1
+        fi
+        sleep 1
+    done
+    pkill -f '/tavrik-page --port 8123'
+    wait "$page"
+    echo "the page answered after $((SECONDS - started)) s" >&2
+}
+
 check "a fresh Debian with an ordinary user" prepare
+check "./run --page answers within 120 s" page_answers
 every user README.md "## Two commands" '/^\.\/run  *the console/d; /^\.\/test  *every/d; /\.\.\.$/d'
 every user README.md "## Install on a board" '/^tavrikctl/d'
 check "  the program of the armhf package is there" test -x "$root/usr/sbin/tavrik"

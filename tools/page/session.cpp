@@ -100,6 +100,7 @@ void Session::carryOut(int id, const Said& said) {
             return drive(id);
         case Kind::kUnfold:
             goals_.insert("read");
+            changed();
             return tell(
                 id, {{"t", "unfolded"},
                      {"datagram", model_.unfold(static_cast<unsigned long>(std::max(0, said.x)))}});

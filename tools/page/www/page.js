@@ -15,6 +15,7 @@ const GOALS = [
 let latest = null;
 let running = "";
 let isDue = false;
+let toldUntil = 0;
 
 function button(parent, text, action) {
     const made = document.createElement("button");
@@ -102,7 +103,11 @@ on("settings", ({ text }) => {
 });
 on("checked", showFindings);
 on("unfolded", ({ datagram }) => list.unfold(datagram));
-on("told", ({ text }) => { by("told").textContent = text; });
+on("told", ({ text }) => {
+    by("told").textContent = text;
+    clearTimeout(toldUntil);
+    toldUntil = setTimeout(() => { by("told").textContent = ""; }, 8000);
+});
 on("lost", () => { by("notice").textContent = "The console is not there; trying again."; });
 on("script", ({ text }) => {
     const link = document.createElement("a");

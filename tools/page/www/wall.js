@@ -60,7 +60,7 @@ function drawBox(cell, box, isStuck) {
     cell.picture.setAttribute("viewBox", `0 0 ${box.width} ${box.height}`);
     cell.pointer.style.display = box.pointer ? "" : "none";
     if (box.pointer) {
-        const size = box.height / 12;
+        const size = box.height / 7;
         cell.pointer.setAttribute("d", `M0 0 L${size * .7} ${size * .7} L${size * .3} ${size * .75} L0 ${size} Z`);
         cell.pointer.setAttribute("transform", `translate(${box.pointer[0]} ${box.pointer[1]})`);
     }
