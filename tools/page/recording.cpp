@@ -17,7 +17,9 @@ void Recording::begin(const rig::Plan& plan) {
         head_ += "user " + user + "\n";
     }
     for (const auto& [key, value] : plan.settings) {
-        head_ += value.empty() ? "" : "setting " + key + "=" + value + "\n";
+        if (!value.empty()) {
+            head_.append("setting ").append(key).append("=").append(value).append("\n");
+        }
     }
     head_ += "quick\n\n";
 }

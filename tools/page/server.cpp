@@ -329,7 +329,7 @@ Server::~Server() = default;
 void Server::run() { work_->context_.run(); }
 void Server::end() { work_->context_.stop(); }
 void Server::post(std::function<void()> action) { asio::post(work_->context_, std::move(action)); }
-void Server::every(std::chrono::milliseconds period, std::function<void()> action) {
+void Server::every(std::chrono::milliseconds period, const std::function<void()>& action) {
     work_->every(period, action);
 }
 

@@ -47,7 +47,7 @@ class Server {
     /// Calls `action` on the server's thread. Any thread.
     void post(std::function<void()> action);
     /// Calls `action` again and again, until the server ends.
-    void every(std::chrono::milliseconds period, std::function<void()> action);
+    void every(std::chrono::milliseconds period, const std::function<void()>& action);
 
     /// Sends a message of its own to one viewer; a viewer that does not take them is dropped.
     void send(int viewer, std::string text);

@@ -18,7 +18,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t kMostBoxes = 64;
+constexpr int kMostBoxes = 64;
 
 /// Nothing but "2x3", each number from 1 to 8.
 bool parseSize(const std::string& text, int& across, int& down) {
@@ -57,9 +57,9 @@ SettingsPlan planOf(const std::string& settings, bool everyAddress) {
     made.plan.devices = {{rig::Kind::kKeyboard, 0, ""}, {rig::Kind::kMouse, 1, ""}};
     const ctl::LoadingRun run = ctl::runLoading(settings, "");
     const outInf& wall = run.wall.wall;
-    std::size_t boxes = 0;
+    int boxes = 0;
     for (const auto& [key, screen] : wall.screens) {
-        boxes += screen.cells.size();
+        boxes += static_cast<int>(screen.cells.size());
         for (const auto& [at, cell] : screen.cells) {
             const bool isHere =
                 cell.name.view().starts_with("127.") || cell.name.view() == AddressText::kNone;
@@ -99,7 +99,7 @@ std::string captionOf(const std::string& folder, const std::string& name) {
 std::string wallOfSize(const std::string& screens, const std::string& cells) {
     int across = 0, down = 0, columns = 0, rows = 0;
     if (!parseSize(screens, across, down) || !parseSize(cells, columns, rows) ||
-        static_cast<std::size_t>(across * down * columns * rows) > kMostBoxes) {
+        across * down * columns * rows > kMostBoxes) {
         return "";
     }
     std::vector<std::string> lines;
