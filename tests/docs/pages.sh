@@ -126,6 +126,8 @@ check "  its tools install" in_root sh -c 'apt-get install -y /root/tavrik/build
 settings_there
 every root README.md "## Install on a board" '/^tavrikctl/!d'
 every root docs/settings.md "# Settings" ''
+cp "$home/tavrik/tav_rik.ini" "$root/root/tavrik/wall.ini"
+every root docs/walls.md "# Five walls" 's/$/ --dry-run/' # there is no console
 check "docs/security.md: the filters are taken" filters
 
 echo "$passed passed, $failed failed"

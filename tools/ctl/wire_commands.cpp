@@ -15,6 +15,7 @@
 #include "remote/wire.h"
 #include "words/hex.h"
 #include "words/message.h"
+#include "words/message_json.h"
 
 namespace ctl {
 namespace {
@@ -27,18 +28,10 @@ std::string placeText(const capture::Place& place) {
 }
 
 nlohmann::json asJson(const Message& message, words::Bytes bytes) {
-    nlohmann::json fields = nlohmann::json::array();
-    for (const words::Field& field : message.fields) {
-        fields.push_back({{"at", field.at},
-                          {"size", field.size},
-                          {"name", field.name},
-                          {"value", field.value},
-                          {"meaning", field.meaning}});
-    }
     return {{"name", message.name},
             {"words", message.words},
             {"bytes", words::hexText(bytes)},
-            {"fields", std::move(fields)}};
+            {"fields", words::fieldsJson(message)}};
 }
 
 Message decodeOf(const Datagram& datagram) {

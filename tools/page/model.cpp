@@ -8,6 +8,7 @@
 #include "remote/wire.h"
 #include "words/hex.h"
 #include "words/keys.h"
+#include "words/message_json.h"
 
 namespace page {
 namespace {
@@ -242,19 +243,11 @@ nlohmann::json Model::unfold(unsigned long number) const {
         return nullptr;
     }
     const words::Message message = words::decode(one->bytes, one->ports);
-    json fields = json::array();
-    for (const words::Field& field : message.fields) {
-        fields.push_back({{"at", field.at},
-                          {"size", field.size},
-                          {"name", field.name},
-                          {"value", field.value},
-                          {"meaning", field.meaning}});
-    }
     return {{"n", number},
             {"name", message.name},
             {"port", one->ports.to},
             {"bytes", words::hexText(one->bytes)},
-            {"fields", std::move(fields)}};
+            {"fields", words::fieldsJson(message)}};
 }
 
 }  // namespace page

@@ -276,13 +276,13 @@ void Session::apply(int id, const std::string& settings) {
     for (const auto& [other, viewer] : viewers_) {
         tell(other, {{"t", "settings"}, {"text", settings_}});
     }
-    start(plan.plan);
+    start(plan.plan, settings_);
 }
 
 void Session::startUsual() {
     const auto plan = planOf(settings_, isOwnNetwork_);
     if (plan.problem.empty()) {
-        start(plan.plan);
+        start(plan.plan, settings_);
     } else {
         notice_ = plan.problem;
     }
@@ -336,7 +336,7 @@ rig::Daemon::Observer Session::lines() {
 }
 
 /// The console anew; the page goes on while it starts.
-void Session::start(const rig::Plan& plan) {
+void Session::start(const rig::Plan& plan, const std::string& settings) {
     halt();
     plan_ = plan;
     notice_ = "the console starts";
@@ -348,6 +348,7 @@ void Session::start(const rig::Plan& plan) {
     }
     changed();
     world_ = std::make_unique<rig::World>(plan, reports());
+    world_->board.write("data/tav_rik.ini", settings);
     worker_ = std::jthread([this, world = world_.get(), observer = lines(),
                             generation = generation_](const std::stop_token& end) {
         const auto problem = world->start(observer);

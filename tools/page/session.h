@@ -60,7 +60,8 @@ class Session {
     void tour();
     void watch();
 
-    void start(const rig::Plan& plan);
+    /// `settings`: the file that the console reads.
+    void start(const rig::Plan& plan, const std::string& settings);
     void startUsual();
     rig::World::Observer reports();
     rig::Daemon::Observer lines();

@@ -7,8 +7,8 @@ namespace rig {
 /// with nothing changed, where the machine does not allow it.
 bool enterOwnNetwork();
 
-/// In a network of its own: every IPv4 address is this machine's, to bind and to send to, and nothing
-/// leaves it. False when the kernel refuses. Any thread.
+/// In a network of its own: every IPv4 address is this machine's, to bind and to send to, and
+/// nothing leaves it. False when the kernel refuses. Any thread.
 bool ownEveryAddress();
 
 }  // namespace rig
