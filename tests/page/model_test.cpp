@@ -5,6 +5,7 @@
 
 #include "page/message.h"
 #include "page/model.h"
+#include "page/place.h"
 #include "page/recording.h"
 #include "page/settings_view.h"
 #include "remote/wire.h"
@@ -92,6 +93,25 @@ TEST(PageModel, FollowsControlByWhatIsNoRelease) {
     EXPECT_EQ(model.inControl(), "10.0.1.1");
     model.sawLine("stop kvm");
     EXPECT_EQ(model.inControl(), "");
+}
+
+TEST(PagePlace, IsForItsOwnPagesAndForWhoKnowsTheToken) {
+    page::Place place;
+    EXPECT_TRUE(page::isMeant(place, "127.0.0.1:8088", ""));
+    EXPECT_TRUE(page::isMeant(place, "localhost:8088", "http://localhost:8088"));
+    EXPECT_FALSE(page::isMeant(place, "localhost:8088", "http://127.0.0.1:8088"));
+    EXPECT_FALSE(page::isMeant(place, "127.0.0.1:8088", "null"));
+    EXPECT_FALSE(page::isMeant(place, "example.net:8088", "http://example.net:8088"));
+    EXPECT_TRUE(page::knowsToken(place, "/"));
+    place.token = "abc";
+    EXPECT_FALSE(page::isMeant(place, "localhost:8088", ""));
+    EXPECT_TRUE(page::knowsToken(place, "/socket?abc"));
+    for (const char* wrong : {"/", "/?", "/abc", "/?abcd", "/?x?abc", "/?ab"}) {
+        EXPECT_FALSE(page::knowsToken(place, wrong)) << wrong;
+    }
+    for (const char* wrong : {"", "../x", "a/b", ".x", "%2e", "A"}) {
+        EXPECT_FALSE(page::isFileName(wrong)) << wrong;
+    }
 }
 
 TEST(PageWall, NeverReachesARealBoxWithoutANetworkOfItsOwn) {

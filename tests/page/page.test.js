@@ -222,6 +222,9 @@ test("a changed wall is checked while it is typed, and redrawn when it is applie
     await page.getByRole("button", { name: "Apply" }).click();
     await until(async () => await page.locator(".cell").count() === 3, "three cells");
     await until(() => page.locator("#notice").textContent().then((one) => one === ""), "a console");
+    await settings.fill(text.replace("127.0.0.33", "10.0.0.256"));
+    await page.getByRole("button", { name: "Apply" }).click();
+    await until(() => page.locator("#told").textContent().then((one) => one === "10.0.0.256 is no address."), "a refusal");
     await settings.fill(text);
     await page.getByRole("button", { name: "Apply" }).click();
     await until(async () => await page.locator(".cell").count() === 4, "four cells");

@@ -7,7 +7,6 @@
 #include <system_error>
 
 #include "base/file_start.h"
-#include "config/config_lines.h"
 #include "page/server.h"
 #include "page/session.h"
 #include "page/settings_view.h"
@@ -35,7 +34,8 @@ std::string settingsOf(const Options& options) {
     if (std::string made = page::wallOfSize(options.wall, options.cells); !made.empty()) {
         return made;
     }
-    const FileText file = readFileStart(options.wall, kSettingsLimit);
+    constexpr std::size_t kMost = 1U << 20;
+    const FileText file = readFileStart(options.wall, kMost);
     if (file.state != FileState::kRead) {
         std::fprintf(
             stderr,
@@ -88,6 +88,7 @@ int run(int argc, char** argv) {
     session.begin(server);
     tellPlace(options.place);
     server.run();
+    session.end();
     return 0;
 }
 

@@ -10,14 +10,12 @@
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
-#include <cerrno>
 #include <csignal>
 #include <deque>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string_view>
-#include <system_error>
 
 namespace page {
 namespace {
@@ -36,48 +34,7 @@ constexpr std::chrono::milliseconds kFrame{16};
 
 std::string_view view(beast::string_view text) { return {text.data(), text.size()}; }
 
-std::string typeOf(std::string_view name) {
-    constexpr std::pair<std::string_view, const char*> kTypes[] = {
-        {".html", "text/html; charset=utf-8"},
-        {".js", "text/javascript; charset=utf-8"},
-        {".css", "text/css; charset=utf-8"},
-        {".svg", "image/svg+xml"}};
-    for (const auto& [end, type] : kTypes) {
-        if (name.ends_with(end)) {
-            return type;
-        }
-    }
-    return "application/octet-stream";
-}
-
-/// Asked by names of files alone: no way leads out of the folder.
-bool isFileName(std::string_view name) {
-    return !name.empty() && name.front() != '.' &&
-           name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_.") == std::string_view::npos;
-}
-
 }  // namespace
-
-int listenAt(Place& place) {
-    asio::io_context context;
-    Error error;
-    const auto address = asio::ip::make_address(place.address, error);
-    if (error) {
-        throw std::system_error(EINVAL, std::generic_category(), place.address);
-    }
-    tcp::acceptor acceptor(context, tcp::v4());
-    acceptor.set_option(tcp::acceptor::reuse_address(true));
-    acceptor.bind({address, place.port}, error);
-    if (!error) {
-        acceptor.listen(asio::socket_base::max_listen_connections, error);
-    }
-    if (error) {
-        throw std::system_error(error.value(), std::generic_category(),
-                                place.address + ":" + std::to_string(place.port));
-    }
-    place.port = acceptor.local_endpoint().port();
-    return acceptor.release();
-}
 
 class Viewer;
 
@@ -93,19 +50,11 @@ class Server::Work {
         accept();
     }
 
-    /// Who asks is meant: a page of another origin, or a name that leads here by somebody's DNS, is
-    /// not.
     bool isMeant(const Request& request) const {
-        const std::string own = place_.address + ":" + std::to_string(place_.port);
-        const std::string host(view(request[http::field::host]));
-        const std::string origin(view(request[http::field::origin]));
-        const bool isLocal = place_.token.empty() &&
-                             (host == own || host == "localhost:" + std::to_string(place_.port));
-        return (isLocal || host == own) && (origin.empty() || origin == "http://" + host);
+        return page::isMeant(place_, view(request[http::field::host]),
+                             view(request[http::field::origin]));
     }
-    bool knowsToken(std::string_view target) const {
-        return place_.token.empty() || target.ends_with("?" + place_.token);
-    }
+    bool knowsToken(std::string_view target) const { return page::knowsToken(place_, target); }
     Response answer(const Request& request) const;
     void add(int id, const std::shared_ptr<Viewer>& viewer) { viewers_[id] = viewer; }
     void remove(int id) {

@@ -1,24 +1,15 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
+#include "page/place.h"
+
 /// The page's web server: files, and one line of messages to each viewer. Everything is called on
 /// the thread that runs it, unless it says otherwise.
 namespace page {
-
-/// Where the page is, and who may see it.
-struct Place {
-    std::string address = "127.0.0.1";
-    std::uint16_t port = 8088;  ///< 0: any that is free
-    std::string token;          ///< that a viewer elsewhere has to know; empty on the loopback
-};
-
-/// Opens the listening socket and sets `place.port` to its port. Throws std::system_error.
-int listenAt(Place& place);
 
 class Server {
  public:

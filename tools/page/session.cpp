@@ -3,14 +3,9 @@
 #include <linux/input-event-codes.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
-#include "config/config_lines.h"
-#include "ctl/check.h"
-#include "ctl/show.h"
 #include "page/settings_view.h"
-#include "rig/script.h"
 #include "words/keys.h"
 
 namespace page {
@@ -39,19 +34,19 @@ std::string stepOf(std::uint16_t type, std::uint16_t code, std::int32_t value) {
     return type == EV_SYN ? name : name + " " + std::to_string(value);
 }
 
-/// Waits so long, or until it is asked to end.
-void rest(const std::stop_token& end, std::chrono::steady_clock::duration time) {
-    for (; time.count() > 0 && !end.stop_requested(); time -= kWatch) {
-        std::this_thread::sleep_for(kWatch);
-    }
-}
-
 }  // namespace
 
 Session::Session(std::string settings, std::string scripts, bool isOwnNetwork)
-    : scripts_(std::move(scripts)), isOwnNetwork_(isOwnNetwork), settings_(std::move(settings)) {}
-
-Session::~Session() { halt(); }
+    : isOwnNetwork_(isOwnNetwork),
+      settings_(std::move(settings)),
+      stage_(std::move(scripts),
+             {[this](const rig::Plan& plan) { begins(plan); },
+              [this](const std::string& name, const rig::Report& report) { saw(name, report); },
+              [this](std::string_view line) {
+                  model_.sawLine(line);
+                  changed();
+              },
+              [this] { changed(); }, [this] { startUsual(); }}) {}
 
 Server::Handlers Session::handlers() {
     return {[this](int id) { opened(id); },
@@ -61,6 +56,7 @@ Server::Handlers Session::handlers() {
 
 void Session::begin(Server& server) {
     server_ = &server;
+    stage_.setServer(server);
     server.every(kWatch, [this] { watch(); });
     startUsual();
 }
@@ -118,9 +114,9 @@ void Session::carryOut(int id, const Said& said) {
         return apply(id, said.text);
     }
     if (said.kind == Kind::kTour) {
-        return tour();
+        return stage_.tour();
     }
-    if (!isRunning_) {
+    if (stage_.world() == nullptr) {
         return;
     }
     if (isInput(said.kind)) {
@@ -189,8 +185,8 @@ void Session::tryThing(const Said& said) {
             return plug(said.text, said.kind == Kind::kPlug);
         case Kind::kAnswer: {
             const auto answer = said.text.empty() ? std::nullopt : std::optional(said.text);
-            if (world_->hasBox(said.where)) {
-                world_->setAnswer(said.where, answer);
+            if (stage_.world()->hasBox(said.where)) {
+                stage_.world()->setAnswer(said.where, answer);
                 model_.setAnswer(said.where, answer);
                 recording_.did("answer " + said.where + " " + said.text, Clock::now());
             }
@@ -208,17 +204,17 @@ void Session::emit(std::uint16_t type, std::uint16_t code, std::int32_t value, b
         return;
     }
     const int node = isMouse ? kMouse : kKeyboard;
-    world_->board.emit(node, type, code, value);
+    stage_.world()->board.emit(node, type, code, value);
     recording_.did(stepOf(type, code, value), Clock::now());
     if (ends) {
-        world_->board.emit(node, EV_SYN, SYN_REPORT, 0);
+        stage_.world()->board.emit(node, EV_SYN, SYN_REPORT, 0);
         recording_.did(stepOf(EV_SYN, SYN_REPORT, 0), Clock::now());
     }
 }
 
 /// Real up records for all that the driver holds.
 void Session::letGo() {
-    if (!isRunning_) {
+    if (stage_.world() == nullptr) {
         return held_.clear();
     }
     for (const std::uint16_t code : held_) {
@@ -239,13 +235,13 @@ void Session::plug(const std::string& kind, bool isPlugged) {
     const std::string node = "event" + std::to_string(device->second.number);
     if (isPlugged) {
         plugged_.insert(kind);
-        world_->plug(device->second);
+        stage_.world()->plug(device->second);
         recording_.did("plug " + kind + " " + node, Clock::now());
     } else {
         plugged_.erase(kind);
         std::erase_if(held_,
                       [&](std::uint16_t code) { return (code >= BTN_MISC) == (kind == "mouse"); });
-        world_->board.unplug(device->second.number);
+        stage_.world()->board.unplug(device->second.number);
         recording_.did("unplug " + node, Clock::now());
         goals_.insert("unplug");
     }
@@ -254,7 +250,7 @@ void Session::plug(const std::string& kind, bool isPlugged) {
 void Session::order(const std::string& text) {
     constexpr std::size_t kLargest = 2047;
     const std::string sent = text.substr(0, kLargest);
-    world_->command(sent);
+    stage_.world()->command(sent);
     rig::Report report;
     report.at.port = 41236;
     report.bytes.assign(sent.begin(), sent.end());
@@ -276,70 +272,23 @@ void Session::apply(int id, const std::string& settings) {
     for (const auto& [other, viewer] : viewers_) {
         tell(other, {{"t", "settings"}, {"text", settings_}});
     }
-    start(plan.plan, settings_);
+    stage_.start(plan.plan, settings_);
+    changed();
 }
 
 void Session::startUsual() {
     const auto plan = planOf(settings_, isOwnNetwork_);
     if (plan.problem.empty()) {
-        start(plan.plan, settings_);
+        stage_.start(plan.plan, settings_);
     } else {
-        notice_ = plan.problem;
+        stage_.setNotice(plan.problem);
     }
+    changed();
 }
 
-void Session::halt() {
-    isRunning_ = false;
-    ++generation_;
-    if (worker_.joinable()) {
-        worker_.request_stop();
-        worker_.join();
-    }
-    world_.reset();
+/// Another wall is shown: nothing of the one before counts.
+void Session::begins(const rig::Plan& plan) {
     held_.clear();
-}
-
-rig::World::Observer Session::reports() {
-    return [this, generation = generation_](const std::string& name, const rig::Report& report) {
-        server_->post([this, generation, name, report] {
-            if (generation != generation_) {
-                return;
-            }
-            const std::string before = model_.inControl();
-            model_.saw(name, report);
-            recording_.came(name, report.text);
-            if (!before.empty() && before != model_.inControl()) {
-                goals_.insert("cross");
-            }
-            if (report.text == "OSDSTART") {
-                goals_.insert("taps");
-            }
-            if (report.text.find("key down") != std::string::npos) {
-                goals_.insert("type");
-            }
-            changed();
-        });
-    };
-}
-
-rig::Daemon::Observer Session::lines() {
-    return [this, generation = generation_](std::string_view line) {
-        if (line == "stop kvm" || line.starts_with("osdSet ")) {
-            server_->post([this, generation, text = std::string(line)] {
-                if (generation == generation_) {
-                    model_.sawLine(text);
-                    changed();
-                }
-            });
-        }
-    };
-}
-
-/// The console anew; the page goes on while it starts.
-void Session::start(const rig::Plan& plan, const std::string& settings) {
-    halt();
-    plan_ = plan;
-    notice_ = "the console starts";
     model_.setWall(plan.wall, plan.local, plan.users);
     recording_.begin(plan);
     plugged_ = {"keyboard", "mouse"};
@@ -347,55 +296,22 @@ void Session::start(const rig::Plan& plan, const std::string& settings) {
         viewer.firstDatagram = 1;
     }
     changed();
-    world_ = std::make_unique<rig::World>(plan, reports());
-    world_->board.write("data/tav_rik.ini", settings);
-    worker_ = std::jthread([this, world = world_.get(), observer = lines(),
-                            generation = generation_](const std::stop_token& end) {
-        const auto problem = world->start(observer);
-        server_->post([this, problem, generation] {
-            if (generation == generation_) {
-                isRunning_ = !problem;
-                notice_ = problem.value_or("");
-                changed();
-            }
-        });
-        rest(end, Clock::duration::max());  // the daemon ends with the thread that started it
-    });
 }
 
-/// One golden script after the other, with its first comment as a caption.
-void Session::tour() {
-    halt();
-    const unsigned generation = generation_;
-    worker_ = std::jthread([this, generation](const std::stop_token& end) {
-        for (const char* name :
-             {"edge_left_right", "tap", "hotkey_local", "relative_box", "touch", "arrows"}) {
-            const auto parsed =
-                rig::loadScript(std::filesystem::path(scripts_) / (std::string(name) + ".script"));
-            if (!parsed.script || end.stop_requested()) {
-                break;
-            }
-            rig::Plan plan = parsed.script->plan;
-            plan.virtualClock = true;
-            server_->post([this, generation, plan, caption = captionOf(scripts_, name)] {
-                if (generation == generation_) {
-                    notice_ = caption;
-                    model_.setWall(plan.wall, plan.local.empty() ? "127.0.0.20" : plan.local,
-                                   plan.users);
-                    changed();
-                }
-            });
-            rig::World world(plan, reports());
-            runScript(*parsed.script, world);
-            constexpr std::chrono::milliseconds kLook{2500};
-            rest(end, kLook);
-        }
-        server_->post([this, generation] {
-            if (generation == generation_) {
-                startUsual();
-            }
-        });
-    });
+void Session::saw(const std::string& name, const rig::Report& report) {
+    const std::string before = model_.inControl();
+    model_.saw(name, report);
+    recording_.came(name, report.text);
+    if (!before.empty() && before != model_.inControl()) {
+        goals_.insert("cross");
+    }
+    if (report.text == "OSDSTART") {
+        goals_.insert("taps");
+    }
+    if (report.text.find("key down") != std::string::npos) {
+        goals_.insert("type");
+    }
+    changed();
 }
 
 /// A driver that holds something and is not heard of lets go of it.
@@ -428,8 +344,8 @@ std::string Session::state(int id) {
     state["held"] = std::move(held);
     state["plugged"] = plugged_;
     state["goals"] = goals_;
-    state["running"] = isRunning_;
-    state["notice"] = notice_;
+    state["running"] = stage_.world() != nullptr;
+    state["notice"] = stage_.notice();
     return state.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 

@@ -3,18 +3,16 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "page/message.h"
 #include "page/model.h"
 #include "page/recording.h"
 #include "page/server.h"
-#include "rig/world.h"
+#include "page/stage.h"
 
 namespace page {
 
@@ -27,13 +25,14 @@ class Session {
     /// `isOwnNetwork`: every address may stand in a wall; otherwise those of 127.0.0.0/8 alone.
     /// `settings`: the text of a settings file; `scripts`: the folder of the tour.
     Session(std::string settings, std::string scripts, bool isOwnNetwork);
-    ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
     Server::Handlers handlers();
-    /// Starts the console. The server outlives the session's last call to it.
+    /// Starts the console.
     void begin(Server& server);
+    /// Ends it, when the server runs no more; the server is not called any more then.
+    void end() { stage_.halt(); }
 
  private:
     struct Viewer {
@@ -57,29 +56,19 @@ class Session {
     void order(const std::string& text);
     void check(int id, const std::string& settings);
     void apply(int id, const std::string& settings);
-    void tour();
     void watch();
 
-    /// `settings`: the file that the console reads.
-    void start(const rig::Plan& plan, const std::string& settings);
     void startUsual();
-    rig::World::Observer reports();
-    rig::Daemon::Observer lines();
-    void halt();
+    void begins(const rig::Plan& plan);
+    void saw(const std::string& name, const rig::Report& report);
     void tell(int id, const nlohmann::json& message);
     void changed();
 
-    const std::string scripts_;
     const bool isOwnNetwork_;
     std::string settings_;
     Server* server_ = nullptr;
 
-    rig::Plan plan_;
-    std::unique_ptr<rig::World> world_;
-    std::jthread worker_;
-    unsigned generation_ = 0;  ///< of the world: what an older one says does not count
-    bool isRunning_ = false;
-    std::string notice_;  ///< one line for every viewer
+    Stage stage_;
     Model model_;
     Recording recording_;
 

@@ -1,5 +1,7 @@
 #include "page/settings_view.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -36,6 +38,20 @@ std::string entry(int x, int y, const std::string& name) {
     return std::to_string(x) + ',' + std::to_string(y) + ',' + name;
 }
 
+/// Why a box or a screen cannot stand there; empty when it can.
+std::string problemOf(std::string_view name, bool everyAddress) {
+    const std::string address(name.substr(0, name.find('-')));
+    in_addr parsed{};
+    if (inet_pton(AF_INET, address.c_str(), &parsed) != 1) {
+        return address + " is no address.";
+    }
+    const bool isHere = address.starts_with("127.") || address == AddressText::kNone;
+    return everyAddress || isHere
+               ? ""
+               : "Without a network of its own the wall may hold addresses of 127.0.0.0/8 alone, not " +
+                     address + ".";
+}
+
 std::string firstScreen(const outInf& wall) {
     return wall.screens.empty() ? "" : std::string(wall.screens.begin()->second.name.view());
 }
@@ -59,17 +75,18 @@ SettingsPlan planOf(const std::string& settings, bool everyAddress) {
     const outInf& wall = run.wall.wall;
     int boxes = 0;
     for (const auto& [key, screen] : wall.screens) {
-        boxes += static_cast<int>(screen.cells.size());
+        std::vector<AddressText> names{screen.name};
         for (const auto& [at, cell] : screen.cells) {
-            const bool isHere =
-                cell.name.view().starts_with("127.") || cell.name.view() == AddressText::kNone;
-            if (!everyAddress && (!isHere || !screen.name.view().starts_with("127."))) {
-                made.problem =
-                    "Without a network of its own the wall may hold addresses of 127.0.0.0/8 alone, not " +
-                    std::string((isHere ? screen.name : cell.name).view());
-                return made;
-            }
+            names.push_back(cell.name);
         }
+        boxes += static_cast<int>(screen.cells.size());
+        for (const AddressText& name : names) {
+            made.problem =
+                made.problem.empty() ? problemOf(name.view(), everyAddress) : made.problem;
+        }
+    }
+    if (!made.problem.empty()) {
+        return made;
     }
     if (wall.screens.empty() || boxes > kMostBoxes) {
         made.problem = wall.screens.empty() ? "There is no wall in these settings."
