@@ -116,13 +116,15 @@ TEST(PagePlace, IsForItsOwnPagesAndForWhoKnowsTheToken) {
 
 TEST(PageWall, NeverReachesARealBoxWithoutANetworkOfItsOwn) {
     const std::string here = page::wallOfSize("2x2", "1x2");
-    EXPECT_EQ(page::planOf(here, false).problem, "");
-    EXPECT_EQ(page::planOf(here, false).plan.wall.size(), 4);
+    const page::SettingsPlan made = page::planOf(here, {"127.0.0.32", "127.0.0.99"}, false);
+    EXPECT_EQ(made.problem, "");
+    EXPECT_EQ(made.plan.wall.size(), 4);
+    EXPECT_EQ(made.plan.users, (std::vector<std::string>{"127.0.0.32"}));
     std::string real = here;
     real.replace(real.find("127.0.0.33"), 10, "10.11.12.3");
-    EXPECT_NE(page::planOf(real, false).problem.find("not 10.11.12.3"), std::string::npos);
-    EXPECT_EQ(page::planOf(real, true).problem, "");
-    EXPECT_NE(page::planOf("", true).problem, "");
+    EXPECT_NE(page::planOf(real, {}, false).problem.find("not 10.11.12.3"), std::string::npos);
+    EXPECT_EQ(page::planOf(real, {}, true).problem, "");
+    EXPECT_NE(page::planOf("", {}, true).problem, "");
     for (const char* size : {"", "2", "0x1", "9x1", "2x2x", "2x", "-1x2"}) {
         EXPECT_EQ(page::wallOfSize(size, "1x1"), "") << size;
     }

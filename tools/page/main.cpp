@@ -18,6 +18,7 @@ namespace {
 struct Options {
     page::Place place;
     std::string wall = "2x1", cells = "2x1";
+    std::vector<std::string> users;
 };
 
 std::string randomToken() {
@@ -67,6 +68,8 @@ int run(int argc, char** argv) {
         ->check(CLI::ValidIPV4);
     app.add_option("--wall", options.wall, "a settings file, or the number of screens as 2x1");
     app.add_option("--cells", options.cells, "of each screen, as 2x1");
+    app.add_option("--user", options.users, "a box of the wall that stands in the user list")
+        ->check(CLI::ValidIPV4);
     CLI11_PARSE(app, argc, argv);
     const std::string settings = settingsOf(options);
     if (settings.empty()) {
@@ -83,7 +86,7 @@ int run(int argc, char** argv) {
         return 1;
     }
     const bool isOwnNetwork = rig::enterOwnNetwork() && rig::ownEveryAddress();
-    page::Session session(settings, TAVRIK_SCRIPTS, isOwnNetwork);
+    page::Session session(settings, options.users, TAVRIK_SCRIPTS, isOwnNetwork);
     page::Server server(listening, options.place, TAVRIK_PAGE, session.handlers());
     session.begin(server);
     tellPlace(options.place);

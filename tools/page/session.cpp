@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "page/settings_view.h"
+#include "remote/wire_text.h"
 #include "words/keys.h"
 
 namespace page {
@@ -15,7 +16,6 @@ using Kind = Said::Kind;
 
 namespace {
 
-constexpr int kKeyboard = 0, kMouse = 1, kTouch = 2;
 constexpr std::chrono::milliseconds kWatch{100};
 constexpr std::chrono::seconds kSilence{1};  // a viewer that holds keys and says nothing
 constexpr std::chrono::seconds kIdle{60};    // one that drives and does nothing
@@ -25,19 +25,12 @@ bool isInput(Kind kind) {
            kind == Kind::kWheel;
 }
 
-/// As golden scripts write it: "KEY_A down", "REL_X 5".
-std::string stepOf(std::uint16_t type, std::uint16_t code, std::int32_t value) {
-    const std::string name = words::eventName({type, code});
-    if (type == EV_KEY) {
-        return name + (value != 0 ? " down" : " up");
-    }
-    return type == EV_SYN ? name : name + " " + std::to_string(value);
-}
-
 }  // namespace
 
-Session::Session(std::string settings, std::string scripts, bool isOwnNetwork)
+Session::Session(std::string settings, std::vector<std::string> users, std::string scripts,
+                 bool isOwnNetwork)
     : isOwnNetwork_(isOwnNetwork),
+      users_(std::move(users)),
       settings_(std::move(settings)),
       stage_(std::move(scripts),
              {[this](const rig::Plan& plan) { begins(plan); },
@@ -73,7 +66,7 @@ void Session::opened(int id) {
 void Session::closed(int id) {
     viewers_.erase(id);
     if (id == driver_) {
-        letGo();
+        hands_.letGo(stage_.world(), Clock::now());
         driver_ = viewers_.empty() ? 0 : viewers_.begin()->first;
     }
     changed();
@@ -121,7 +114,7 @@ void Session::carryOut(int id, const Said& said) {
     }
     if (isInput(said.kind)) {
         viewers_[id].active = Clock::now();
-        input(said);
+        hands_.input(*stage_.world(), said, Clock::now());
     } else {
         tryThing(said);
     }
@@ -137,52 +130,22 @@ void Session::drive(int id) {
                          {"text", "somebody drives; if nothing is done, ask again in " +
                                       std::to_string(left + 1) + " s"}});
     }
-    letGo();
+    hands_.letGo(stage_.world(), Clock::now());
     driver_ = id;
     viewers_[id].active = Clock::now();
     changed();
 }
 
-void Session::input(const Said& said) {
-    switch (said.kind) {
-        case Kind::kKey:
-        case Kind::kButton: {
-            // A browser repeats a key that is held, and tells a release of what it never told down.
-            const bool isHeld = held_.contains(said.code);
-            if (isHeld == said.isDown) {
-                return;
-            }
-            if (said.isDown) {
-                held_.insert(said.code);
-            } else {
-                held_.erase(said.code);
-            }
-            return emit(EV_KEY, said.code, said.isDown ? 1 : 0, true);
-        }
-        case Kind::kMove:
-            if (said.x != 0) {
-                emit(EV_REL, REL_X, said.x, said.y == 0);
-            }
-            if (said.y != 0) {
-                emit(EV_REL, REL_Y, said.y, true);
-            }
-            return;
-        default:
-            if (said.y != 0) {
-                emit(EV_REL, REL_WHEEL, said.y, true);
-            }
-    }
-}
-
 void Session::tryThing(const Said& said) {
     switch (said.kind) {
         case Kind::kLetGo:
-            return letGo();
+            return hands_.letGo(stage_.world(), Clock::now());
         case Kind::kCommand:
             return order(said.text);
         case Kind::kPlug:
         case Kind::kUnplug:
-            return plug(said.text, said.kind == Kind::kPlug);
+            goals_.insert(said.kind == Kind::kUnplug ? "unplug" : "plug");
+            return hands_.plug(*stage_.world(), said.text, said.kind == Kind::kPlug, Clock::now());
         case Kind::kAnswer: {
             const auto answer = said.text.empty() ? std::nullopt : std::optional(said.text);
             if (stage_.world()->hasBox(said.where)) {
@@ -197,73 +160,23 @@ void Session::tryThing(const Said& said) {
     }
 }
 
-void Session::emit(std::uint16_t type, std::uint16_t code, std::int32_t value, bool ends) {
-    const bool isMouse = type == EV_REL || code >= BTN_MISC;
-    const char* const device = isMouse ? "mouse" : "keyboard";
-    if (!plugged_.contains(device)) {
-        return;
-    }
-    const int node = isMouse ? kMouse : kKeyboard;
-    stage_.world()->board.emit(node, type, code, value);
-    recording_.did(stepOf(type, code, value), Clock::now());
-    if (ends) {
-        stage_.world()->board.emit(node, EV_SYN, SYN_REPORT, 0);
-        recording_.did(stepOf(EV_SYN, SYN_REPORT, 0), Clock::now());
-    }
-}
-
-/// Real up records for all that the driver holds.
-void Session::letGo() {
-    if (stage_.world() == nullptr) {
-        return held_.clear();
-    }
-    for (const std::uint16_t code : held_) {
-        emit(EV_KEY, code, 0, true);
-    }
-    held_.clear();
-}
-
-void Session::plug(const std::string& kind, bool isPlugged) {
-    const std::map<std::string, rig::PlannedDevice> kDevices{
-        {"keyboard", {rig::Kind::kKeyboard, kKeyboard, ""}},
-        {"mouse", {rig::Kind::kMouse, kMouse, ""}},
-        {"touch", {rig::Kind::kTouch, kTouch, "Siliconworks"}}};
-    const auto device = kDevices.find(kind);
-    if (device == kDevices.end() || plugged_.contains(kind) == isPlugged) {
-        return;
-    }
-    const std::string node = "event" + std::to_string(device->second.number);
-    if (isPlugged) {
-        plugged_.insert(kind);
-        stage_.world()->plug(device->second);
-        recording_.did("plug " + kind + " " + node, Clock::now());
-    } else {
-        plugged_.erase(kind);
-        std::erase_if(held_,
-                      [&](std::uint16_t code) { return (code >= BTN_MISC) == (kind == "mouse"); });
-        stage_.world()->board.unplug(device->second.number);
-        recording_.did("unplug " + node, Clock::now());
-        goals_.insert("unplug");
-    }
-}
-
 void Session::order(const std::string& text) {
     constexpr std::size_t kLargest = 2047;
     const std::string sent = text.substr(0, kLargest);
     stage_.world()->command(sent);
     rig::Report report;
-    report.at.port = 41236;
+    report.at.port = wire::kCommandPort;
     report.bytes.assign(sent.begin(), sent.end());
     report.text = sent;
     model_.saw("console", report);
-    recording_.did("send 41236 " + sent, Clock::now());
+    recording_.did("send " + std::to_string(wire::kCommandPort) + " " + sent, Clock::now());
 }
 
 void Session::check(int id, const std::string& settings) { tell(id, settingsView(settings)); }
 
 /// Apply stops the daemon, writes, starts.
 void Session::apply(int id, const std::string& settings) {
-    const auto plan = planOf(settings, isOwnNetwork_);
+    const auto plan = planOf(settings, users_, isOwnNetwork_);
     if (!plan.problem.empty()) {
         return tell(id, {{"t", "told"}, {"text", plan.problem}});
     }
@@ -277,7 +190,7 @@ void Session::apply(int id, const std::string& settings) {
 }
 
 void Session::startUsual() {
-    const auto plan = planOf(settings_, isOwnNetwork_);
+    const auto plan = planOf(settings_, users_, isOwnNetwork_);
     if (plan.problem.empty()) {
         stage_.start(plan.plan, settings_);
     } else {
@@ -288,10 +201,9 @@ void Session::startUsual() {
 
 /// Another wall is shown: nothing of the one before counts.
 void Session::begins(const rig::Plan& plan) {
-    held_.clear();
+    hands_.begin();
     model_.setWall(plan.wall, plan.local, plan.users);
     recording_.begin(plan);
-    plugged_ = {"keyboard", "mouse"};
     for (auto& [id, viewer] : viewers_) {
         viewer.firstDatagram = 1;
     }
@@ -317,9 +229,9 @@ void Session::saw(const std::string& name, const rig::Report& report) {
 /// A driver that holds something and is not heard of lets go of it.
 void Session::watch() {
     const auto driver = viewers_.find(driver_);
-    if (driver != viewers_.end() && !held_.empty() &&
+    if (driver != viewers_.end() && !hands_.held().empty() &&
         Clock::now() - driver->second.heard > kSilence) {
-        letGo();
+        hands_.letGo(stage_.world(), Clock::now());
         changed();
     }
 }
@@ -335,14 +247,14 @@ std::string Session::state(int id) {
     json state = model_.state(viewer.firstDatagram);
     viewer.firstDatagram = model_.count() + 1;
     json held = json::array();
-    for (const std::uint16_t code : held_) {
+    for (const std::uint16_t code : hands_.held()) {
         held.push_back(words::eventName({EV_KEY, code}));
     }
     state["t"] = "state";
     state["drives"] = id == driver_;
     state["viewers"] = viewers_.size();
     state["held"] = std::move(held);
-    state["plugged"] = plugged_;
+    state["plugged"] = hands_.plugged();
     state["goals"] = goals_;
     state["running"] = stage_.world() != nullptr;
     state["notice"] = stage_.notice();

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "page/hands.h"
 #include "page/message.h"
 #include "page/model.h"
 #include "page/recording.h"
@@ -23,8 +24,10 @@ class Session {
     using Clock = std::chrono::steady_clock;
 
     /// `isOwnNetwork`: every address may stand in a wall; otherwise those of 127.0.0.0/8 alone.
-    /// `settings`: the text of a settings file; `scripts`: the folder of the tour.
-    Session(std::string settings, std::string scripts, bool isOwnNetwork);
+    /// `settings`: the text of a settings file; `users`: boxes of the user list; `scripts`: the
+    /// folder of the tour.
+    Session(std::string settings, std::vector<std::string> users, std::string scripts,
+            bool isOwnNetwork);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -48,11 +51,7 @@ class Session {
 
     void carryOut(int id, const Said& said);
     void drive(int id);
-    void input(const Said& said);
     void tryThing(const Said& said);
-    void letGo();
-    void emit(std::uint16_t type, std::uint16_t code, std::int32_t value, bool ends);
-    void plug(const std::string& kind, bool isPlugged);
     void order(const std::string& text);
     void check(int id, const std::string& settings);
     void apply(int id, const std::string& settings);
@@ -65,17 +64,17 @@ class Session {
     void changed();
 
     const bool isOwnNetwork_;
+    const std::vector<std::string> users_;
     std::string settings_;
     Server* server_ = nullptr;
 
     Stage stage_;
     Model model_;
     Recording recording_;
+    Hands hands_{recording_};
 
     std::map<int, Viewer> viewers_;
     int driver_ = 0;
-    std::set<std::uint16_t> held_;  ///< keys and buttons that the driver holds
-    std::set<std::string> plugged_;
     std::set<std::string> goals_;
 };
 

@@ -68,7 +68,8 @@ json settingsView(const std::string& settings) {
     return view;
 }
 
-SettingsPlan planOf(const std::string& settings, bool everyAddress) {
+SettingsPlan planOf(const std::string& settings, const std::vector<std::string>& users,
+                    bool everyAddress) {
     SettingsPlan made;
     made.plan.devices = {{rig::Kind::kKeyboard, 0, ""}, {rig::Kind::kMouse, 1, ""}};
     const ctl::LoadingRun run = ctl::runLoading(settings, "");
@@ -81,6 +82,9 @@ SettingsPlan planOf(const std::string& settings, bool everyAddress) {
         }
         boxes += static_cast<int>(screen.cells.size());
         for (const AddressText& name : names) {
+            if (std::ranges::find(users, name.view()) != users.end()) {
+                made.plan.users.emplace_back(name.view());
+            }
             made.problem =
                 made.problem.empty() ? problemOf(name.view(), everyAddress) : made.problem;
         }

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <vector>
 
 #include "rig/world.h"
 
@@ -17,9 +18,10 @@ struct SettingsPlan {
     std::string problem;  ///< why there is none; empty when there is one
 };
 
-/// `everyAddress`: all may stand in the wall; otherwise those of 127.0.0.0/8 alone. At most 64
-/// boxes. ctl::check's rules for threads hold.
-SettingsPlan planOf(const std::string& settings, bool everyAddress);
+/// `users`: addresses of the user list. `everyAddress`: all may stand in the wall; otherwise those
+/// of 127.0.0.0/8 alone. At most 64 boxes. ctl::check's rules for threads hold.
+SettingsPlan planOf(const std::string& settings, const std::vector<std::string>& users,
+                    bool everyAddress);
 
 /// The first comment of a script.
 std::string captionOf(const std::string& folder, const std::string& name);
